@@ -1,0 +1,51 @@
+# Target helpers: one library a folder, with one set of warnings for all of them.
+
+# What every target of ours is compiled with.
+add_library(marvolen_options INTERFACE)
+target_include_directories(marvolen_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(marvolen_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(MARVOLEN_SANITIZE)
+  target_compile_options(marvolen_options INTERFACE
+    -fsanitize=${MARVOLEN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(marvolen_options INTERFACE -fsanitize=${MARVOLEN_SANITIZE})
+endif()
+
+# What targets that see Qt add: its strict mode, and its headers as system headers.
+add_library(marvolen_qt_options INTERFACE)
+target_link_libraries(marvolen_qt_options INTERFACE marvolen_options)
+target_compile_definitions(marvolen_qt_options INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CONTEXTLESS_CONNECT
+  QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+# marvolen_core_library(NAME SOURCES ... [LINK ...]): a library without Qt.
+function(marvolen_core_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC marvolen_options ${ARG_LINK})
+endfunction()
+
+# marvolen_qt_library(NAME SOURCES ... [LINK ...]): a library on top of Qt.
+function(marvolen_qt_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC marvolen_qt_options ${ARG_LINK})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+endfunction()
+
+# marvolen_test(NAME SOURCES ... [LINK ...] [QT]): a GoogleTest program, each case a CTest test.
+# With QT its main() runs a QApplication on the offscreen platform.
+function(marvolen_test name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE marvolen_options ${ARG_LINK} GTest::gtest)
+  if(ARG_QT)
+    target_link_libraries(${name} PRIVATE marvolen_test_qt_main marvolen_qt_options)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300 ENVIRONMENT "${MARVOLEN_TEST_ENVIRONMENT}")
+endfunction()
