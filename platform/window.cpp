@@ -1,0 +1,92 @@
+#include "platform/window.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QTimerEvent>
+#include <deque>
+#include <map>
+#include <mutex>
+
+namespace marvolen {
+
+// The toolkit's side of a window. Messages wait in a queue of our own; each is announced by one
+// queued toolkit event, so they keep their order among the toolkit's other events.
+class CWnd::Receiver final : public QObject {
+public:
+    explicit Receiver(CWnd& target) : window(target) {}
+
+    void Post(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
+        {
+            const std::lock_guard guard(mutex);
+            queue.push_back({message, wParam, lParam});
+        }
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+
+    void Set(std::uint32_t id, std::uint32_t milliseconds) {
+        Kill(id);
+        timers[id] = startTimer(static_cast<int>(milliseconds), Qt::PreciseTimer);
+    }
+
+    void Kill(std::uint32_t id) {
+        const auto found = timers.find(id);
+        if (found == timers.end()) return;
+        killTimer(found->second);
+        timers.erase(found);
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User) return QObject::event(event);
+        Message next;
+        {
+            const std::lock_guard guard(mutex);
+            next = queue.front();
+            queue.pop_front();
+        }
+        window.OnMessage(next.message, next.wParam, next.lParam);
+        return true;
+    }
+
+    void timerEvent(QTimerEvent* event) override {
+        for (const auto& [id, timer] : timers) {
+            if (timer != event->timerId()) continue;
+            window.OnTimer(id);
+            return;
+        }
+    }
+
+private:
+    struct Message {
+        std::uint32_t message = 0;
+        WPARAM wParam = 0;
+        LPARAM lParam = 0;
+    };
+
+    CWnd& window;
+    std::map<std::uint32_t, int> timers;  // our id to the toolkit's
+
+    std::mutex mutex;
+    std::deque<Message> queue;  // guarded by mutex
+};
+
+CWnd::CWnd() : receiver(std::make_unique<Receiver>(*this)) {}
+
+CWnd::~CWnd() = default;
+
+void CWnd::PostMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
+    receiver->Post(message, wParam, lParam);
+}
+
+void CWnd::SetTimer(std::uint32_t id, std::uint32_t milliseconds) {
+    receiver->Set(id, milliseconds);
+}
+
+void CWnd::KillTimer(std::uint32_t id) { receiver->Kill(id); }
+
+void CWnd::OnMessage(std::uint32_t, WPARAM, LPARAM) {}
+
+void CWnd::OnTimer(std::uint32_t) {}
+
+}  // namespace marvolen
