@@ -3,10 +3,10 @@
 // The channel table: sixteen fixed-size records that say where each channel's camera is, how to ask
 // it for pictures and where to record them.
 //
-// A record's layout is a file format (the settings files hold the sixteen records byte for byte, see
-// docs/settings_format.md), so it is asserted below. The table is one global. It never moves, and a
-// channel is known everywhere by the address of its record. It is written only on the interface
-// thread while every channel is stopped; no lock guards it.
+// A record's layout is a file format (the settings files hold the sixteen records byte for byte,
+// see docs/settings_format.md), so it is asserted below. The table is one global. It never moves,
+// and a channel is known everywhere by the address of its record. It is written only on the
+// interface thread while every channel is stopped; no lock guards it.
 
 #include <array>
 #include <bit>
@@ -17,8 +17,8 @@ namespace marvolen {
 
 inline constexpr int kChannelCount = 16;
 
-// Bytes in a text field. The text ends at the first NUL; bytes behind it are carried along. Read and
-// write fields through platform/text_field.h: a damaged file may hold a field without a NUL.
+// Bytes in a text field. The text ends at the first NUL; bytes behind it are carried along. Read
+// and write fields through platform/text_field.h: a damaged file may hold a field without a NUL.
 inline constexpr std::size_t kTextFieldSize = 260;
 
 struct ChannelInfo {
@@ -29,13 +29,14 @@ struct ChannelInfo {
     char userName[kTextFieldSize];    // request credentials
     char password[kTextFieldSize];    // request credentials
     char recordPath[kTextFieldSize];  // record file; a drive-letter path goes through NativePath
-    std::int32_t maxSizeMB;           // largest size of the record file, MiB; recorders read it unsigned
-    std::int32_t cameraIndex;         // row of g_cameraOptions, unchecked
-    std::int32_t sizeIndex;           // row of g_sizeOptions, unchecked
-    std::int32_t rateIndex;           // row of g_rateOptions, unchecked
+    std::int32_t maxSizeMB;    // largest size of the record file, MiB; recorders read it unsigned
+    std::int32_t cameraIndex;  // row of g_cameraOptions, unchecked
+    std::int32_t sizeIndex;    // row of g_sizeOptions, unchecked
+    std::int32_t rateIndex;    // row of g_rateOptions, unchecked
 };
 
-static_assert(std::endian::native == std::endian::little, "records are stored as they lie in memory");
+static_assert(std::endian::native == std::endian::little,
+              "records are stored as they lie in memory");
 static_assert(offsetof(ChannelInfo, channelIndex) == 0);
 static_assert(offsetof(ChannelInfo, netName) == 4);
 static_assert(offsetof(ChannelInfo, host) == 4 + 260);

@@ -6,7 +6,8 @@ namespace marvolen {
 namespace {
 
 template <typename Table>
-const typename Table::value_type& RowOr(const Table& table, std::int32_t index, std::size_t factory) {
+const typename Table::value_type& RowOr(const Table& table, std::int32_t index,
+                                        std::size_t factory) {
     const bool inside = index >= 0 && static_cast<std::size_t>(index) < table.size();
     return table[inside ? static_cast<std::size_t>(index) : factory];
 }

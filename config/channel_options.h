@@ -1,7 +1,7 @@
 #pragma once
 
-// The choices a channel offers: camera, picture size and update rate, each a row with the label that
-// users see and the piece of the request's query that asks the camera server for it.
+// The choices a channel offers: camera, picture size and update rate, each a row with the label
+// that users see and the piece of the request's query that asks the camera server for it.
 
 #include <array>
 #include <cstdint>
@@ -46,8 +46,8 @@ inline constexpr std::array<RateOption, 10> g_rateOptions{{
     {"0.1 fps", "&delay=997", 0},
 }};
 
-// The row of a stored index. An index outside its table, as a damaged settings file may hold, counts
-// as the factory row; the stored value is left alone.
+// The row of a stored index. An index outside its table, as a damaged settings file may hold,
+// counts as the factory row; the stored value is left alone.
 const RequestOption& CameraOption(std::int32_t cameraIndex);
 const RequestOption& SizeOption(std::int32_t sizeIndex);
 const RateOption& RateOptionRow(std::int32_t rateIndex);

@@ -28,8 +28,12 @@ bool WriteSettingsFile(const std::string& path, const ChannelTable& table) {
     return !error;
 }
 
-void LoadSettings() { ReadSettingsFile(kSettingsFileName, g_channelInfo); }
+void LoadSettings() {
+    ReadSettingsFile(kSettingsFileName, g_channelInfo);
+}
 
-void SaveSettings() { WriteSettingsFile(kSettingsFileName, g_channelInfo); }
+void SaveSettings() {
+    WriteSettingsFile(kSettingsFileName, g_channelInfo);
+}
 
 }  // namespace marvolen

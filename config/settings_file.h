@@ -3,9 +3,9 @@
 // Settings files: the channel table as it lies in memory, 25280 bytes, without header or checksum
 // (docs/settings_format.md). The program's own is "recinfo.bin" in the current directory.
 
-#include <string>
-
 #include "config/channel_info.h"
+
+#include <string>
 
 namespace marvolen {
 
@@ -18,8 +18,8 @@ bool ReadSettingsFile(const std::string& path, ChannelTable& table);
 // Writes table to the file, replacing what was there. False when the file can't be written whole.
 bool WriteSettingsFile(const std::string& path, const ChannelTable& table);
 
-// Read "recinfo.bin" into g_channelInfo, before any channel runs, and write it back when the program
-// ends. Failures are silent: the table, or the file, stays as it was.
+// Read "recinfo.bin" into g_channelInfo, before any channel runs, and write it back when the
+// program ends. Failures are silent: the table, or the file, stays as it was.
 void LoadSettings();
 void SaveSettings();
 

@@ -10,8 +10,8 @@ namespace marvolen {
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 
-inline constexpr std::uint32_t WM_QUIT = 0x12;        // ends a thread's queue
-inline constexpr std::uint32_t WM_COMMAND = 0x111;    // wParam: id | notification code << 16
+inline constexpr std::uint32_t WM_QUIT = 0x12;         // ends a thread's queue
+inline constexpr std::uint32_t WM_COMMAND = 0x111;     // wParam: id | notification code << 16
 inline constexpr std::uint32_t WM_SYSCOMMAND = 0x112;  // wParam: command, its low four bits unused
 inline constexpr std::uint32_t WM_USER = 0x400;
 
@@ -33,10 +33,12 @@ inline constexpr std::uint32_t STN_CLICKED = 0;
 inline constexpr std::uint32_t STN_DBLCLK = 5;
 
 inline constexpr WPARAM MakeCommand(int id, std::uint32_t code) {
-    return static_cast<WPARAM>(static_cast<std::uint32_t>(id) & 0xFFFF) |
-           static_cast<WPARAM>(code) << 16;
+    return static_cast<WPARAM>(static_cast<std::uint32_t>(id) & 0xFFFF) | static_cast<WPARAM>(code)
+                                                                              << 16;
 }
-inline constexpr int CommandId(WPARAM wParam) { return static_cast<int>(wParam & 0xFFFF); }
+inline constexpr int CommandId(WPARAM wParam) {
+    return static_cast<int>(wParam & 0xFFFF);
+}
 inline constexpr std::uint32_t CommandCode(WPARAM wParam) {
     return static_cast<std::uint32_t>(wParam >> 16) & 0xFFFF;
 }

@@ -58,9 +58,9 @@ std::string FormatTime(const SYSTEMTIME& time) {
 
 void FormatTimeInto(const SYSTEMTIME& time, std::string& text) {
     std::array<char, 48> buffer;
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%.4d/%.2d/%.2d %.2d:%.2d:%.2d",
-                                     time.year, time.month, time.day, time.hour, time.minute,
-                                     time.second);
+    const int length =
+        std::snprintf(buffer.data(), buffer.size(), "%.4d/%.2d/%.2d %.2d:%.2d:%.2d", time.year,
+                      time.month, time.day, time.hour, time.minute, time.second);
     text.assign(buffer.data(), static_cast<std::size_t>(length));
 }
 

@@ -13,8 +13,8 @@ namespace marvolen {
 // that a field without a NUL is read without leaving it. The view lives as long as the field.
 std::string_view FieldText(std::span<const char> field);
 
-// Stores text and its NUL. What doesn't fit is cut before the last byte, never inside a character; a
-// NUL within text ends it. Bytes behind the stored NUL keep their values.
+// Stores text and its NUL. What doesn't fit is cut before the last byte, never inside a character;
+// a NUL within text ends it. Bytes behind the stored NUL keep their values.
 void SetFieldText(std::span<char> field, std::string_view text);
 
 // The longest start of text that is at most maxBytes long and doesn't end inside a UTF-8 character.

@@ -9,7 +9,9 @@ namespace marvolen {
 namespace {
 
 // On Linux a nice value belongs to a thread, named by its thread id.
-void SetNice(int nice) { setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), nice); }
+void SetNice(int nice) {
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), nice);
+}
 
 void SetPolicy(int policy) {
     const sched_param parameters{};

@@ -10,9 +10,10 @@ enum class ThreadPriority {
     TimeCritical,  // before everything ordinary: the interface thread
 };
 
-// Sets the calling thread's priority. TimeCritical is the top of the ordinary range, not a real-time
-// policy: a program that watches cameras for months must never lock a machine up. Where the system
-// doesn't permit it, the thread silently stays as it was. Threads inherit their maker's priority.
+// Sets the calling thread's priority. TimeCritical is the top of the ordinary range, not a
+// real-time policy: a program that watches cameras for months must never lock a machine up. Where
+// the system doesn't permit it, the thread silently stays as it was. Threads inherit their maker's
+// priority.
 void SetThreadPriority(ThreadPriority priority);
 
 }  // namespace marvolen

@@ -3,13 +3,13 @@
 // A thread's message queue: other threads post, the owning thread waits. A queue is made before its
 // thread starts, so that no post can come too early.
 
+#include "platform/messages.h"
+
 #include <array>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
-
-#include "platform/messages.h"
 
 namespace marvolen {
 

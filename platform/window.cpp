@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QObject>
 #include <QTimerEvent>
+
 #include <deque>
 #include <map>
 #include <mutex>
@@ -83,7 +84,9 @@ void CWnd::SetTimer(std::uint32_t id, std::uint32_t milliseconds) {
     receiver->Set(id, milliseconds);
 }
 
-void CWnd::KillTimer(std::uint32_t id) { receiver->Kill(id); }
+void CWnd::KillTimer(std::uint32_t id) {
+    receiver->Kill(id);
+}
 
 void CWnd::OnMessage(std::uint32_t, WPARAM, LPARAM) {}
 

@@ -6,10 +6,10 @@
 // "Posted" means queued: a message is handled by a later turn of the event loop, never from within
 // PostMessage. What is still queued when a window goes is dropped.
 
+#include "platform/messages.h"
+
 #include <cstdint>
 #include <memory>
-
-#include "platform/messages.h"
 
 namespace marvolen {
 

@@ -1,0 +1,38 @@
+#pragma once
+
+// Ids of dialogs, controls, commands and images. Controls carry their id as object name.
+
+namespace marvolen {
+
+// Dialogs.
+inline constexpr int IDD_ABOUT = 100;
+inline constexpr int IDD_MAIN = 102;
+inline constexpr int IDD_POPUP_INFO = 146;
+inline constexpr int IDD_CONTROL_PANEL = 148;
+
+// Strings.
+inline constexpr int IDS_ABOUT_MENU = 101;
+inline constexpr int IDS_SOCKETS_FAILED = 103;
+
+// Images.
+inline constexpr int IDR_MAIN_ICON = 128;
+inline constexpr int IDB_STATUS_MARKS = 137;
+inline constexpr int IDB_LOGO = 139;
+inline constexpr int IDI_NEXT_PAGE = 144;
+inline constexpr int IDI_PREVIOUS_PAGE = 145;
+
+// System menu command, compared with its low four bits masked off.
+inline constexpr int SC_ABOUT = 0x10;
+
+// Main window: the sixteen panes are 1008 to 1023.
+inline constexpr int IDC_FIRST_PANE = 1008;
+inline constexpr int IDC_PANE_FRAME = 1047;
+
+// Pop-up: its edit fields and marks.
+inline constexpr int IDC_POPUP_CHANNEL = 1007;
+inline constexpr int IDC_POPUP_NAME = 1008;
+inline constexpr int IDC_POPUP_TIME = 1009;
+inline constexpr int IDC_POPUP_CONNECTED = 1065;
+inline constexpr int IDC_POPUP_RECORDING = 1066;
+
+}  // namespace marvolen

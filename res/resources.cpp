@@ -1,0 +1,79 @@
+#include "res/resources.h"
+
+#include "res/resource_ids.h"
+
+#include <QIconEngine>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <array>
+
+// Resources of a static library are registered by hand; the macro must stand outside namespaces.
+static void RegisterResources() {
+    Q_INIT_RESOURCE(marvolen);
+}
+
+namespace marvolen {
+namespace {
+
+QString ImageFile(int id) {
+    switch (id) {
+        case IDR_MAIN_ICON:
+            return QStringLiteral(":/marvolen.svg");
+        case IDB_LOGO:
+            return QStringLiteral(":/logo.svg");
+        case IDI_NEXT_PAGE:
+            return QStringLiteral(":/next_page.svg");
+        case IDI_PREVIOUS_PAGE:
+            return QStringLiteral(":/previous_page.svg");
+        default:
+            return QString();
+    }
+}
+
+QPixmap Draw(const QString& file, QSize size, qreal devicePixelRatio) {
+    RegisterResources();
+    QSvgRenderer renderer(file);
+    if (!renderer.isValid()) return {};
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    QPixmap pixmap(size * devicePixelRatio);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    renderer.render(&painter, QRectF(QPointF(0, 0), QSizeF(size)));
+    return pixmap;
+}
+
+}  // namespace
+
+QString LoadString(int id) {
+    switch (id) {
+        case IDS_ABOUT_MENU:
+            return QStringLiteral("About Marvolen(&A)...");
+        case IDS_SOCKETS_FAILED:
+            return QStringLiteral("Windows sockets ?????");
+        default:
+            return {};
+    }
+}
+
+QPixmap LoadImage(int id, QSize size, qreal devicePixelRatio) {
+    return Draw(ImageFile(id), size, devicePixelRatio);
+}
+
+QPixmap LoadStatusMark(int mark, QSize size, qreal devicePixelRatio) {
+    static const std::array<QString, 2> files = {QStringLiteral(":/recording_mark.svg"),
+                                                 QStringLiteral(":/connected_mark.svg")};
+    if (mark < 0 || mark >= static_cast<int>(files.size())) return {};
+    return Draw(files[static_cast<std::size_t>(mark)], size, devicePixelRatio);
+}
+
+QIcon LoadIcon(int id) {
+    QIcon icon;
+    for (const int edge : {16, 20, 24, 32, 48, 64, 128, 256}) {
+        icon.addPixmap(LoadImage(id, QSize(edge, edge), 1.0));
+    }
+    return icon;
+}
+
+}  // namespace marvolen

@@ -1,0 +1,28 @@
+#pragma once
+
+// The program's pictures and texts, compiled in. Vector art is drawn at the resolution asked for.
+// Interface thread only.
+
+#include <QIcon>
+#include <QPixmap>
+#include <QSize>
+#include <QString>
+
+namespace marvolen {
+
+// The string of an id, empty when there is none.
+QString LoadString(int id);
+
+// The picture of an image id (or, of the status marks, 0 recording and 1 connected) at a size in
+// device-independent pixels, drawn for devicePixelRatio. A null pixmap when there is no such
+// picture.
+QPixmap LoadImage(int id, QSize size, qreal devicePixelRatio);
+QPixmap LoadStatusMark(int mark, QSize size, qreal devicePixelRatio);
+
+// The icon of an id, sharp at every size.
+QIcon LoadIcon(int id);
+
+// Size of a status mark, device-independent pixels.
+inline constexpr QSize kStatusMarkSize(32, 21);
+
+}  // namespace marvolen
