@@ -1,6 +1,8 @@
 #include "platform/dialog.h"
 
 #include <QAbstractButton>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMessageBox>
 
 namespace marvolen {
@@ -52,6 +54,45 @@ void CDialog::MessageBox(const QString& text) {
     ShowMessageBox(this, windowTitle(), text);
 }
 
+void CDialog::AppendSystemMenu(int command, const QString& text) {
+    systemMenu.push_back({command, text});
+}
+
+void CDialog::AppendSystemMenuSeparator() {
+    systemMenu.push_back({});
+}
+
+void CDialog::ShowSystemMenu(const QPoint& globalPosition) {
+    QMenu menu(this);
+    QAction* restore = menu.addAction(tr("&Restore"), this, &QWidget::showNormal);
+    restore->setEnabled(isMaximized() || isMinimized());
+    menu.addAction(tr("Mi&nimize"), this, &QWidget::showMinimized);
+    QAction* maximise = menu.addAction(tr("Ma&ximize"), this, &QWidget::showMaximized);
+    maximise->setEnabled(!isMaximized());
+    menu.addSeparator();
+    menu.addAction(tr("&Close"), this, &QWidget::close);
+    for (const SystemMenuItem& item : systemMenu) {
+        if (item.command == 0) {
+            menu.addSeparator();
+        } else {
+            menu.addAction(item.text, this, [this, command = item.command] {
+                PostMessage(WM_SYSCOMMAND, static_cast<WPARAM>(command), 0);
+            });
+        }
+    }
+    menu.exec(globalPosition);
+}
+
+void CDialog::contextMenuEvent(QContextMenuEvent* event) {
+    if (systemMenu.empty()) {
+        QDialog::contextMenuEvent(event);
+    } else {
+        ShowSystemMenu(event->globalPos());
+    }
+}
+
+void CDialog::OnSysCommand(int) {}
+
 void CDialog::reject() {
     OnCommand(MakeCommand(IDCANCEL, BN_CLICKED), 0);
 }
@@ -65,6 +106,7 @@ void CDialog::OnCommand(WPARAM wParam, LPARAM) {
 
 void CDialog::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_COMMAND) OnCommand(wParam, lParam);
+    if (message == WM_SYSCOMMAND) OnSysCommand(static_cast<int>(wParam & ~WPARAM{0xF}));
 }
 
 void ShowMessageBox(QWidget* parent, const QString& title, const QString& text) {

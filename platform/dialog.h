@@ -11,6 +11,8 @@
 #include <QDialog>
 #include <QString>
 
+#include <vector>
+
 namespace marvolen {
 
 // Command ids every dialog knows.
@@ -53,6 +55,11 @@ public:
     // A modal box with this text, the window's title and an OK button.
     void MessageBox(const QString& text);
 
+    // The window's own menu, which a right click on the window opens: the usual window commands and
+    // what is appended here. A chosen item's command goes to OnSysCommand.
+    void AppendSystemMenu(int command, const QString& text);
+    void AppendSystemMenuSeparator();
+
     // Closing by Escape or the close box is the command IDCANCEL.
     void reject() override;
 
@@ -63,13 +70,25 @@ protected:
     // A command. The base ends the dialog on IDOK and IDCANCEL with that id.
     virtual void OnCommand(WPARAM wParam, LPARAM lParam);
 
-    // Posted WM_COMMAND messages are commands too.
+    // A command of the window's menu. The base knows none.
+    virtual void OnSysCommand(int command);
+
+    // Posted WM_COMMAND and WM_SYSCOMMAND messages are commands too.
     void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override;
+
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void Initialise();
+    void ShowSystemMenu(const QPoint& globalPosition);
+
+    struct SystemMenuItem {
+        int command = 0;  // 0: a separator
+        QString text;
+    };
 
     bool initialised = false;
+    std::vector<SystemMenuItem> systemMenu;
 };
 
 // A modal message box over parent (may be null: no window yet) with an OK button.

@@ -1,0 +1,34 @@
+#include "app/marvolen_app.h"
+
+#include "app/marvolen_dlg.h"
+#include "config/settings_file.h"
+#include "platform/dialog.h"
+#include "platform/termination.h"
+#include "platform/thread_priority.h"
+#include "res/resource_ids.h"
+#include "res/resources.h"
+
+#include <QApplication>
+
+namespace marvolen {
+
+bool CMarvolenApp::InitInstance() {
+    SetThreadPriority(ThreadPriority::TimeCritical);
+    LoadSettings();
+    if (!InitSockets()) {
+        ShowMessageBox(nullptr, QStringLiteral("Marvolen"), LoadString(IDS_SOCKETS_FAILED));
+        return false;
+    }
+    CMarvolenDlg mainWindow;
+    // Modal dialogs over the main window end first.
+    const TerminationWatcher watcher([] { QApplication::closeAllWindows(); });
+    mainWindow.DoModal();
+    return false;
+}
+
+int CMarvolenApp::ExitInstance() {
+    SaveSettings();
+    return CWinApp::ExitInstance();
+}
+
+}  // namespace marvolen

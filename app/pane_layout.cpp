@@ -1,0 +1,18 @@
+#include "app/pane_layout.h"
+
+namespace marvolen {
+namespace {
+
+PaneRect Cell(const PaneRect& area, int column, int row, int cellsPerSide) {
+    const int width = area.width / cellsPerSide;
+    const int height = area.height / cellsPerSide;
+    return {area.left + column * width, area.top + row * height, width, height};
+}
+
+}  // namespace
+
+PaneRect PaneRectOf16(const PaneRect& area, int pane) {
+    return Cell(area, pane % 4, pane / 4, 4);
+}
+
+}  // namespace marvolen

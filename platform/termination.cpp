@@ -1,0 +1,62 @@
+#include "platform/termination.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace marvolen {
+namespace {
+
+constexpr std::array<int, 3> kSignals = {SIGTERM, SIGINT, SIGHUP};
+
+// A signal handler may only make async-signal-safe calls; it reaches the event loop through this.
+volatile sig_atomic_t g_signalEvent = -1;
+std::array<struct sigaction, kSignals.size()> g_formerActions;
+
+extern "C" void OnTerminationSignal(int) {
+    const int savedErrno = errno;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(g_signalEvent, &one, sizeof one);
+    errno = savedErrno;
+}
+
+}  // namespace
+
+TerminationWatcher::TerminationWatcher(std::function<void()> onTerminate)
+    : terminate(std::move(onTerminate)) {
+    g_signalEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (g_signalEvent < 0) return;
+    auto* notifier = new QSocketNotifier(g_signalEvent, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] { Drain(); });
+    struct sigaction action {};
+    action.sa_handler = OnTerminationSignal;
+    action.sa_flags = SA_RESTART;
+    for (std::size_t k = 0; k < kSignals.size(); ++k) {
+        sigaction(kSignals[k], &action, &g_formerActions[k]);
+    }
+}
+
+TerminationWatcher::~TerminationWatcher() {
+    if (g_signalEvent < 0) return;
+    for (std::size_t k = 0; k < kSignals.size(); ++k) {
+        sigaction(kSignals[k], &g_formerActions[k], nullptr);
+    }
+    // The notifier goes before its descriptor.
+    qDeleteAll(children());
+    close(g_signalEvent);
+    g_signalEvent = -1;
+}
+
+void TerminationWatcher::Drain() {
+    std::uint64_t count = 0;
+    if (read(g_signalEvent, &count, sizeof count) == sizeof count) terminate();
+}
+
+}  // namespace marvolen

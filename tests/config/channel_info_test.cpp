@@ -1,0 +1,60 @@
+#include "config/channel_info.h"
+
+#include "config/channel_options.h"
+#include "platform/text_field.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace marvolen {
+namespace {
+
+TEST(ChannelTable, FactoryValuesOfEveryChannel) {
+    const ChannelTable table = FactoryChannelTable();
+    for (int k = 0; k < kChannelCount; ++k) {
+        const ChannelInfo& info = table[static_cast<std::size_t>(k)];
+        EXPECT_EQ(info.channelIndex, k);
+        EXPECT_EQ(FieldText(info.netName), "");
+        EXPECT_EQ(FieldText(info.host), "");
+        EXPECT_EQ(FieldText(info.port), "80");
+        EXPECT_EQ(FieldText(info.userName), "root");
+        EXPECT_EQ(FieldText(info.password), "tuvk");
+        EXPECT_EQ(info.maxSizeMB, 1024);
+        EXPECT_EQ(CameraOption(info.cameraIndex).label, "Camera 1");
+        EXPECT_EQ(SizeOption(info.sizeIndex).label, "Middle");
+        EXPECT_EQ(RateOptionRow(info.rateIndex).label, "30  fps");
+    }
+    EXPECT_EQ(FieldText(table[0].recordPath), "c:\\chl01.dbt");
+    EXPECT_EQ(FieldText(table[9].recordPath), "c:\\chl10.dbt");
+    EXPECT_EQ(FieldText(table[15].recordPath), "c:\\chl16.dbt");
+}
+
+TEST(ChannelTable, NumberFollowsThePosition) {
+    EXPECT_EQ(ChannelNumber(&g_channelInfo[0]), 1);
+    EXPECT_EQ(ChannelNumber(&g_channelInfo[15]), 16);
+}
+
+TEST(ChannelOptions, RateRowsAskForTheirDelay) {
+    const char* const queries[] = {"",           "&delay=3",  "&delay=7",  "&delay=10",
+                                   "&delay=17",  "&delay=30", "&delay=97", "&delay=197",
+                                   "&delay=497", "&delay=997"};
+    ASSERT_EQ(g_rateOptions.size(), std::size(queries));
+    for (std::size_t row = 0; row < g_rateOptions.size(); ++row) {
+        EXPECT_EQ(g_rateOptions[row].query, queries[row]);
+        EXPECT_EQ(g_rateOptions[row].label.size(), 7U);
+        EXPECT_EQ(g_rateOptions[row].paneParam, 0U);
+    }
+}
+
+TEST(ChannelOptions, IndexOutsideItsTableCountsAsTheFactoryRow) {
+    for (const std::int32_t index : {-1, 10, 1000000, std::numeric_limits<std::int32_t>::min()}) {
+        EXPECT_EQ(CameraOption(index).query, "camera=1") << index;
+        EXPECT_EQ(SizeOption(index).query, "&fmt=sif") << index;
+        EXPECT_EQ(RateOptionRow(index).query, "") << index;
+    }
+    EXPECT_EQ(CameraOption(4).query, "camera=1");
+    EXPECT_EQ(SizeOption(3).query, "&fmt=sif");
+}
+
+}  // namespace
+}  // namespace marvolen

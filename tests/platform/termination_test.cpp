@@ -1,0 +1,34 @@
+#include "platform/termination.h"
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+namespace marvolen {
+namespace {
+
+TEST(Termination, SignalsReachTheEventLoop) {
+    int calls = 0;
+    const TerminationWatcher watcher([&] { ++calls; });
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const int before = calls;
+        raise(signal);
+        EXPECT_EQ(calls, before) << "called from within the signal";
+        EXPECT_TRUE(QTest::qWaitFor([&] { return calls == before + 1; })) << signal;
+    }
+}
+
+TEST(Termination, GivesSignalsTheirFormerMeaningBack) {
+    struct sigaction before {};
+    sigaction(SIGHUP, nullptr, &before);
+    {
+        const TerminationWatcher watcher([] {});
+    }
+    struct sigaction after {};
+    sigaction(SIGHUP, nullptr, &after);
+    EXPECT_EQ(before.sa_handler, after.sa_handler);
+}
+
+}  // namespace
+}  // namespace marvolen
