@@ -3,7 +3,6 @@
 #include "app/about_dlg.h"
 #include "app/pane_layout.h"
 #include "config/channel_options.h"
-#include "net/net_event.h"
 #include "platform/text_field.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
@@ -118,13 +117,13 @@ void CMarvolenDlg::OnSysCommand(int command) {
 
 void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NETEVENT) {
-        OnNetEvent(wParam, *reinterpret_cast<const ChannelInfo*>(lParam));
+        OnNetEvent(static_cast<int>(wParam), *reinterpret_cast<const ChannelInfo*>(lParam));
     } else {
         CDialog::OnMessage(message, wParam, lParam);
     }
 }
 
-void CMarvolenDlg::OnNetEvent(WPARAM code, const ChannelInfo& info) {
+void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
     // By position, not by the stored channelIndex, which a damaged settings file may have spoilt.
     const int k = ChannelNumber(&info) - 1;
     if (code == NETEVENT_CONNECT) {

@@ -57,7 +57,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void OnNetEvent(WPARAM code, const ChannelInfo& info);
+    void OnNetEvent(int code, const ChannelInfo& info);
     void LayoutPanel();
 
     QFrame* const paneFrame;                        // marks the pane area, never seen

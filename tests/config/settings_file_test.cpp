@@ -71,7 +71,7 @@ TEST_F(SettingsFile, ThatCannotBeCreatedIsNoError) {
     EXPECT_FALSE(WriteSettingsFile("missing/folder.rsf", g_channelInfo));
 }
 
-TEST_F(SettingsFile, FullDiskKeepsTheOldBytesLength) {
+TEST_F(SettingsFile, OnAFullDiskIsAFailure) {
     EXPECT_FALSE(WriteSettingsFile("/dev/full", g_channelInfo));
 }
 

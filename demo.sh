@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# Shows Marvolen watching sixteen cameras: builds it, starts sixteen camera servers on loopback ports
+# and the program with settings for them, in the folder demo/. Installs missing packages first.
+#
+# On a desktop the window stays until it is closed. Without a display the program runs in a virtual
+# one; the script waits until all sixteen pictures move, saves a screenshot and ends.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+firstPort=${MARVOLEN_DEMO_PORT:-8101}
+
+scripts/install_dependencies.sh
+cmake --preset release
+cmake --build --preset release --target marvolen camera_server
+
+bin=$PWD/build/release/bin
+mkdir -p demo
+processes=()
+finish() {
+  for process in "${processes[@]}"; do kill "$process" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+}
+trap finish EXIT
+
+"$bin/camera_server" --port "$firstPort" --write-settings demo/recinfo.bin >demo/camera_server.log 2>&1 &
+server=$!
+processes+=("$server")
+for _ in $(seq 300); do
+  grep -q '^ready' demo/camera_server.log && break
+  if ! kill -0 "$server" 2>/dev/null; then
+    cat demo/camera_server.log
+    exit 1
+  fi
+  sleep 0.1
+done
+
+if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+  echo "Sixteen cameras serve on ports $firstPort to $((firstPort + 15)). Close the window to end."
+  (cd demo && "$bin/marvolen")
+  exit 0
+fi
+
+display=90
+while [[ -e /tmp/.X11-unix/X$display || -e /tmp/.X$display-lock ]]; do display=$((display + 1)); done
+export DISPLAY=:$display
+Xvfb "$DISPLAY" -screen 0 1280x960x24 -nolisten tcp >demo/xvfb.log 2>&1 &
+processes+=($!)
+for _ in $(seq 100); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+
+(cd demo && exec "$bin/marvolen") &
+marvolen=$!
+processes+=("$marvolen")
+
+if scripts/wait_until_live.sh "$marvolen" demo/screenshot.png; then
+  echo "All sixteen channels are live. Screenshot: $PWD/demo/screenshot.png"
+else
+  echo "Requests the cameras saw: $PWD/demo/camera_server.log"
+  exit 1
+fi
+
+# Closing the window is the way a user ends the program.
+kill -TERM "$marvolen"
+wait "$marvolen"

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# wait_until_live.sh PROCESS SCREENSHOT.png
+# Waits until the picture in each of the sixteen panes of PROCESS's main window has moved, saves a
+# screenshot of the screen and ends with 0. Names the channels that stay still after 60 seconds, and
+# ends with 1. Needs DISPLAY, xdotool and ImageMagick.
+set -euo pipefail
+
+process=$1
+screenshot=$2
+panelWidth=${MARVOLEN_PANEL_WIDTH:-0}  # right of the panes
+stripHeight=23                         # title strip above each picture
+
+frames=$(mktemp -d)
+trap 'rm -rf "$frames"' EXIT
+alive() { kill -0 "$process" 2>/dev/null; }
+
+window=
+for _ in $(seq 100); do
+  window=$(xdotool search --onlyvisible --pid "$process" --name '^Marvolen$' 2>/dev/null | head -n 1) || true
+  [[ -n $window ]] && break
+  alive || { echo "The program has ended." >&2; exit 1; }
+  sleep 0.1
+done
+[[ -n $window ]] || { echo "No main window." >&2; exit 1; }
+
+# The picture of pane $2 in the window shot $1.
+pane() {
+  local width=$(((WIDTH - panelWidth) / 4)) height=$((HEIGHT / 4))
+  convert "$1" -crop "$((width - 8))x$((height - stripHeight - 8))+$(($2 % 4 * width + 4))+$(($2 / 4 * height + stripHeight + 2))" +repage rgb:-
+}
+
+still=($(seq 0 15))
+for _ in $(seq 30); do
+  alive || { echo "The program has ended." >&2; exit 1; }
+  eval "$(xdotool getwindowgeometry --shell "$window" | grep -E '^(WIDTH|HEIGHT)=')"
+  import -silent -window "$window" "$frames/before.png"
+  sleep 1
+  import -silent -window "$window" "$frames/after.png"
+  waiting=()
+  for k in "${still[@]}"; do
+    if cmp -s <(pane "$frames/before.png" "$k") <(pane "$frames/after.png" "$k"); then waiting+=("$k"); fi
+  done
+  still=("${waiting[@]}")
+  if [[ ${#still[@]} -eq 0 ]]; then
+    import -silent -window root "$screenshot"
+    exit 0
+  fi
+  sleep 1
+done
+
+import -silent -window root "$screenshot"
+for k in "${still[@]}"; do echo "NET.$((k + 1)) shows no moving picture." >&2; done
+exit 1
