@@ -36,16 +36,17 @@ struct CameraServerOptions {
     bool checkCredentials = true;       // false: any or no credentials will do
     std::string userName = "root";
     std::string password = "tuvk";
-    std::vector<Fault> faults;         // of channel 0, 1, ...; missing ones are None
-    std::vector<bool> singlePictures;  // true: the channel answers with one "image/jpeg" picture
+    std::vector<Fault> faults = {};  // of channel 0, 1, ...; missing ones are None
+    std::vector<bool> singlePictures =
+        {};  // true: the channel answers with one "image/jpeg" picture
     // Time between pictures at full speed; a request's delay adds to it. Tests shorten it.
     std::chrono::nanoseconds period = std::chrono::nanoseconds(1'000'000'000 / 30);
     int sendBufferBytes = 256 * 1024;  // the kernel's, per connection; 0: as the system has it
     bool keepSent = true;              // keep the list that SentPictures returns
-    std::string sentDir;               // write index files and pictures there; empty: don't
+    std::string sentDir = {};          // write index files and pictures there; empty: don't
     // Receives one line, without line end, per event worth a log. Called on the server's thread
     // and on threads that call operations, one at a time; must not call the server.
-    std::function<void(const std::string& line)> log;
+    std::function<void(const std::string& line)> log = {};
 };
 
 struct ChannelStats {

@@ -15,10 +15,10 @@ namespace marvolen {
 struct SentPicture {
     std::uint64_t connection = 0;  // 1, 2, ... in the order the server accepted them
     std::uint64_t number = 0;      // 1, 2, ... of those sent on this connection
-    bool stamped = true;  // false: the part had no stamp line, or the single form was asked
-    PictureStamp stamp;   // as sent, also when a fault made it jump
-    View view;
-    PicturePtr picture;  // the bytes as sent, also when a fault damaged them
+    bool stamped = true;      // false: the part had no stamp line, or the single form was asked
+    PictureStamp stamp = {};  // as sent, also when a fault made it jump
+    View view = {};
+    PicturePtr picture = {};  // the bytes as sent, also when a fault damaged them
 };
 
 // The picture's line in an index file, without line end: eight fields separated by one blank,

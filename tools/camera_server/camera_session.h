@@ -1,0 +1,92 @@
+#pragma once
+
+// One client's connection: reads the request, answers it, sends pictures when they are due and
+// misbehaves as the channel's fault says. Owns its socket but waits for nothing; the server calls
+// it when the socket is ready or its time has come.
+
+#include "tools/camera_server/camera_answer.h"
+#include "tools/camera_server/camera_channel.h"
+#include "tools/camera_server/camera_request.h"
+#include "tools/camera_server/file_descriptor.h"
+
+#include <cstdint>
+#include <string>
+
+namespace marvolen {
+
+class CameraSession {
+public:
+    // channel must outlive the session. socket is connected and non-blocking.
+    CameraSession(FileDescriptor socket, std::uint64_t id, std::string peer, CameraChannel& channel,
+                  TimePoint now);
+
+    std::uint64_t Id() const { return id; }
+    int Descriptor() const { return socket.Get(); }
+    const CameraChannel& Channel() const { return channel; }
+    const std::string& Peer() const { return peer; }
+
+    // When OnTime wants to be called; TimePoint::max() for never.
+    TimePoint WakeTime() const;
+    bool WantsWritable() const;
+
+    // Each returns false when the connection has come to its end; the session is then to be
+    // destroyed.
+    bool OnReadable(TimePoint now);
+    bool OnWritable(TimePoint now);
+    bool OnTime(TimePoint now);
+
+    // The channel has another fault: counts begin anew, whatever was held back may go on.
+    void OnFaultChanged(TimePoint now);
+
+    // The peer sees the end of the stream at once. Only destruction may follow.
+    void Disconnect();
+
+private:
+    enum class Phase {
+        Request,    // reading the request
+        Answer,     // the head of the answer has still to be sent
+        Stream,     // sending a picture whenever one is due
+        Idle,       // nothing more will be sent
+        Finishing,  // closes once the output is out
+        Lingering,  // output closed; waits a moment for the peer to close as well
+    };
+
+    bool ReadRequest(std::string_view bytes, TimePoint now);
+    bool CredentialsAccepted() const;
+    void BeginAnswer(TimePoint now);
+    bool Silenced() const;
+    void SendDuePicture(TimePoint now);
+    void ScheduleNext(TimePoint now);
+    void Queue(AnswerPart part, bool isPicture, TimePoint now);
+    bool Flush(TimePoint now);
+    bool FlushByteByByte(TimePoint now);
+    bool FlushAll();
+    bool OnOutputDone(TimePoint now);
+    void NotePictureSent();
+    std::size_t OutputSize() const;
+
+    const std::uint64_t id;
+    const std::string peer;
+    FileDescriptor socket;
+    CameraChannel& channel;
+
+    Phase phase = Phase::Request;
+    std::string received;
+    CameraRequest request;
+    View view;
+
+    std::chrono::nanoseconds period{0};
+    TimePoint nextPicture;               // Stream: when the next picture is due
+    TimePoint lingerEnd;                 // Lingering: when patience ends
+    std::uint32_t counter = 0;           // pictures of this connection, skipped ones included
+    std::uint64_t pictureNumber = 0;     // pictures sent since the connection or the fault began
+    std::uint64_t connectionNumber = 0;  // pictures sent on this connection
+
+    AnswerPart output;  // what is being sent
+    std::size_t outputSent = 0;
+    bool outputIsPicture = false;
+    TimePoint trickleStart;  // when the bytes sent one by one began, and how many there were
+    std::uint64_t trickled = 0;
+};
+
+}  // namespace marvolen
