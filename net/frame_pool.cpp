@@ -29,7 +29,8 @@ bool FramePool::Init(std::uint32_t slotCapacity, std::uint32_t count) {
     // 64 bits hold every slot size, not every product.
     const std::uint64_t unaligned = std::uint64_t{sizeof(VideoFrame)} + slotCapacity;
     const std::uint64_t slotSize = (unaligned + kAlignment - 1) / kAlignment * kAlignment;
-    if (count != 0 && slotSize > std::numeric_limits<std::ptrdiff_t>::max() / count) return false;
+    constexpr auto kLargest = std::uint64_t{std::numeric_limits<std::ptrdiff_t>::max()};
+    if (count != 0 && slotSize > kLargest / count) return false;
 
     const auto size = static_cast<std::size_t>(slotSize * count);
     block.reset(new (std::nothrow) std::byte[size]);

@@ -1,0 +1,174 @@
+#include "platform/async_socket.h"
+
+#include "platform/descriptor_watch.h"
+#include "platform/host_resolver.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <netinet/in.h>
+#include <optional>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+namespace marvolen {
+namespace {
+
+// The system's error as callers know it.
+int Translate(int systemError) {
+    switch (systemError) {
+        case EAGAIN:
+        case EINPROGRESS:
+            return kWouldBlock;
+        case ETIMEDOUT:
+            return kTimedOut;
+        default:
+            return systemError;
+    }
+}
+
+// Whether the error tells about the network or the peer, not about the call. Such an error comes
+// at once or later as it happens.
+bool IsNetworkError(int systemError) {
+    switch (systemError) {
+        case EADDRNOTAVAIL:
+        case ECONNREFUSED:
+        case ECONNRESET:
+        case EHOSTDOWN:
+        case EHOSTUNREACH:
+        case ENETDOWN:
+        case ENETUNREACH:
+        case ETIMEDOUT:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool HasBytes(int descriptor) {
+    int available = 0;
+    return ioctl(descriptor, FIONREAD, &available) == 0 && available > 0;
+}
+
+}  // namespace
+
+CAsyncSocket::CAsyncSocket() = default;
+
+CAsyncSocket::~CAsyncSocket() {
+    Close();
+}
+
+bool CAsyncSocket::Create() {
+    if (IsOpen()) return Fail(EISCONN);
+    descriptor = Descriptor(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    return IsOpen() || Fail(errno);
+}
+
+bool CAsyncSocket::Connect(std::string_view host, std::uint16_t port) {
+    if (!IsOpen()) return Fail(ENOTSOCK);
+    if (watch != nullptr || lookup != nullptr) return Fail(EALREADY);
+    if (const std::optional<Ipv4Address> address = ParseAddress(host)) {
+        const int error = BeginConnect(*address, port);
+        return Fail(error == 0 ? EINPROGRESS : error);
+    }
+    lookup = HostRequest::Start(host, [this, port](std::optional<Ipv4Address> address) {
+        lookup.reset();
+        const int error = address ? BeginConnect(*address, port) : kHostNotFound;
+        if (error != 0) OnConnect(Translate(error));
+    });
+    return Fail(lookup == nullptr ? EMFILE : EINPROGRESS);
+}
+
+// Starts connecting. Returns 0 when the outcome will be reported, else the system's error.
+int CAsyncSocket::BeginConnect(std::uint32_t address, std::uint16_t port) {
+    sockaddr_in peer{};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(port);
+    peer.sin_addr.s_addr = htonl(address);
+    connectError = 0;
+    if (connect(descriptor.Get(), reinterpret_cast<const sockaddr*>(&peer), sizeof(peer)) != 0) {
+        // An interrupted connect goes on all the same.
+        const bool underWay = errno == EINPROGRESS || errno == EINTR;
+        if (!underWay && !IsNetworkError(errno)) return errno;
+        if (!underWay) connectError = errno;
+    }
+    // A socket that has failed to connect counts as writable too.
+    watch = std::make_unique<DescriptorWatch>(descriptor.Get(), DescriptorWatch::Readiness::Write,
+                                              [this] { OnWritable(); });
+    return 0;
+}
+
+void CAsyncSocket::OnWritable() {
+    int error = connectError;
+    socklen_t size = sizeof(error);
+    if (error == 0 && getsockopt(descriptor.Get(), SOL_SOCKET, SO_ERROR, &error, &size) != 0) {
+        error = errno;
+    }
+    watch.reset();
+    if (error == 0) {
+        watch = std::make_unique<DescriptorWatch>(
+            descriptor.Get(), DescriptorWatch::Readiness::Read, [this] { OnReadable(); });
+    }
+    OnConnect(Translate(error));
+}
+
+// Calls at most one handler, last, since that may destroy the socket.
+void CAsyncSocket::OnReadable() {
+    if (HasBytes(descriptor.Get())) {
+        OnReceive();
+        return;
+    }
+    pollfd state{descriptor.Get(), POLLIN | POLLRDHUP, 0};
+    if (poll(&state, 1, 0) != 1) return;
+    const bool failed = (state.revents & (POLLERR | POLLNVAL)) != 0;
+    const bool ended = (state.revents & (POLLHUP | POLLRDHUP)) != 0;
+    // Bytes may have come in between. Behind the end of the stream there are none.
+    if ((!failed && !ended) || HasBytes(descriptor.Get())) return;
+    StopReports();
+    if (failed) {
+        OnReceive();
+    } else {
+        OnClose();
+    }
+}
+
+std::ptrdiff_t CAsyncSocket::Send(std::span<const std::uint8_t> bytes) {
+    ssize_t sent = 0;
+    do {
+        sent = send(descriptor.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    } while (sent < 0 && errno == EINTR);
+    if (sent < 0) Fail(errno);
+    return sent;
+}
+
+std::ptrdiff_t CAsyncSocket::Receive(std::span<std::uint8_t> buffer) {
+    ssize_t received = 0;
+    do {
+        received = recv(descriptor.Get(), buffer.data(), buffer.size(), 0);
+    } while (received < 0 && errno == EINTR);
+    if (received < 0) Fail(errno);
+    const bool ended = received == 0 && !buffer.empty();
+    if (ended || (received < 0 && lastError != kWouldBlock)) StopReports();
+    return received;
+}
+
+void CAsyncSocket::Close() {
+    lookup.reset();
+    watch.reset();
+    descriptor.Close();
+}
+
+void CAsyncSocket::StopReports() {
+    if (watch != nullptr) watch->Disable();
+}
+
+bool CAsyncSocket::Fail(int systemError) {
+    lastError = Translate(systemError);
+    return false;
+}
+
+void CAsyncSocket::OnConnect(int) {}
+void CAsyncSocket::OnReceive() {}
+void CAsyncSocket::OnClose() {}
+
+}  // namespace marvolen
