@@ -77,8 +77,8 @@ public:
     void QueuePicture(std::span<const std::uint8_t> jpeg);
 
     // Tells the thread what the pane looks like from now on. A different view drops the current
-    // image. While not shown, pictures are not decoded.
-    void SetView(const PaneView& newView);
+    // image. While not shown, pictures are not decoded. Returns whether it was different.
+    bool SetView(const PaneView& newView);
 
     // Whether an image has come since the last call and is still current.
     bool AcceptImage();
@@ -97,8 +97,8 @@ private:
     void Run();
     void DrawPicture();
     bool BeginPicture();
-    bool StretchPicture(PaneView& stretchedFor);
-    void PublishImage(const PaneView& stretchedFor);
+    bool StretchPicture(PaneView& target);
+    bool PublishImage(const PaneView& target);
     void EndPicture();
     void DropPictures(std::unique_lock<std::mutex>& guard);
 

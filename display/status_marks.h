@@ -21,7 +21,7 @@ public:
 
     // A mark, 32 x 21 device-independent pixels with a transparent ground, drawn for a screen of
     // devicePixelRatio. Made on the first call for a ratio, the same pixmap after that.
-    const QPixmap& Mark(int mark, qreal devicePixelRatio);
+    QPixmap Mark(int mark, qreal devicePixelRatio);
 
 private:
     struct Drawn {

@@ -5,7 +5,7 @@
 // A black title strip with the channel's name, the time of the latest picture and two status marks;
 // below it the picture, stretched over the rest of the pane; around both a two-pixel frame that is
 // red while the pane is selected. Geometry is in device-independent pixels and stands in
-// "display/pane_layout.h".
+// "display/pane_geometry.h".
 //
 // The pane sits in the middle of its channel's chain and forwards every frame. Its pictures are
 // decoded and scaled by a drawing thread of its own ("display/drawing_thread.h"); pictures that
@@ -18,12 +18,14 @@
 // Interface thread only.
 
 #include "display/drawing_thread.h"
+#include "display/pane_geometry.h"
 #include "display/pane_status.h"
 #include "display/status_marks.h"
 #include "display/time_gate.h"
 #include "net/frame_receiver.h"
 #include "platform/control.h"
 
+#include <QFont>
 #include <QPointer>
 #include <QString>
 
@@ -97,8 +99,7 @@ private:
     void PublishView();
     void RedrawTitle();
     void RedrawTime();
-    void OnImageFinished();
-    void RefreshPopup();
+    bool PaintPicture(QPainter& painter, const PixelRect& video);
 
     TimeGate timeGate;  // timeValid, lastTime, minInterval
     std::string timeText;
@@ -106,6 +107,7 @@ private:
     std::uint32_t status = 0;
     QPointer<CPopupInfoDlg> popup;  // owned; the pointer notices when the parent goes first
     QPointer<QWidget> topLevel;     // the window whose minimising is watched
+    QFont stripFont;
     const std::shared_ptr<StatusMarks> marks;
 
     DrawingThread drawThread;  // last: it ends before what it reports to

@@ -1,0 +1,151 @@
+#include "display/drawing_thread.h"
+
+#include "platform/thread_priority.h"
+
+#include <algorithm>
+#include <new>
+#include <system_error>
+#include <utility>
+
+namespace marvolen {
+
+int DecodeJpegFrame(DibImage& picture, const std::uint8_t* bytes, std::size_t count) {
+    return picture.DecodeJpeg(bytes, count);
+}
+
+DrawingThread::DrawingThread(Events threadEvents, DecodeFunction decodeFunction)
+    : events(std::move(threadEvents)), decode(std::move(decodeFunction)) {
+    try {
+        drawThread = std::thread([this] { Run(); });
+    } catch (const std::system_error&) {
+        // Without a thread Open fails, and the pane stays black.
+    }
+}
+
+DrawingThread::~DrawingThread() {
+    {
+        const std::lock_guard guard(lock);
+        ++generation;
+    }
+    queue.Quit();
+    if (drawThread.joinable()) drawThread.join();
+}
+
+bool DrawingThread::Open() {
+    std::unique_lock guard(lock);
+    DropPictures(guard);
+    if (!drawThread.joinable()) return false;
+    if (!drawDib) drawDib.reset(new (std::nothrow) Stretcher);
+    if (!drawDib) return false;
+    picture.InitHeader();
+    return true;
+}
+
+void DrawingThread::Close() {
+    std::unique_lock guard(lock);
+    DropPictures(guard);
+    picture.Reset();
+    drawDib.reset();
+}
+
+// Afterwards the drawing thread uses neither picture nor drawDib until lock is released, and no
+// picture handed over before can become the current image. One that waits is not decoded at all:
+// a thread of idle priority may take long to get to it.
+void DrawingThread::DropPictures(std::unique_lock<std::mutex>& guard) {
+    ++generation;
+    imageValid = false;
+    decoded.wait(guard, [this] { return !decoding; });
+}
+
+void DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
+    const std::lock_guard guard(lock);
+    if (busy != 0 || !drawThread.joinable()) return;
+    if (jpeg.size() > pictureBuffer.size()) {
+        try {
+            pictureBuffer.clear();
+            pictureBuffer.resize((jpeg.size() / 1024 + 1) * 1024);
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+    }
+    std::copy(jpeg.begin(), jpeg.end(), pictureBuffer.begin());
+    // The whole buffer is decoded. Behind a picture that was cut short this end-of-image marker
+    // keeps the decoder from reading on into an older, longer one.
+    if (pictureBuffer.size() - jpeg.size() >= 2) {
+        pictureBuffer[jpeg.size()] = 0xFF;
+        pictureBuffer[jpeg.size() + 1] = 0xD9;
+    }
+    if (!queue.Post({WM_PANEPICTURE})) return;
+    queuedGeneration = generation;
+    busy = 1;
+}
+
+bool DrawingThread::SetView(const PaneView& newView) {
+    const std::lock_guard guard(lock);
+    if (view == newView) return false;
+    view = newView;
+    imageValid = false;
+    return true;
+}
+
+bool DrawingThread::AcceptImage() {
+    const std::lock_guard guard(lock);
+    notified = false;
+    return std::exchange(imageNew, false) && imageValid;
+}
+
+void DrawingThread::Run() {
+    SetThreadPriority(ThreadPriority::Idle);
+    ThreadMessage message;
+    while (queue.Wait(message)) {
+        if (message.message == WM_PANEPICTURE) DrawPicture();
+    }
+    events.exited();
+}
+
+void DrawingThread::DrawPicture() {
+    PaneView target;
+    if (BeginPicture() && decode(picture, pictureBuffer.data(), pictureBuffer.size()) == 1 &&
+        StretchPicture(target) && PublishImage(target)) {
+        events.imageFinished();
+    }
+    EndPicture();
+}
+
+bool DrawingThread::BeginPicture() {
+    const std::lock_guard guard(lock);
+    decoding = view.shown && drawDib && queuedGeneration == generation;
+    return decoding;
+}
+
+// Stretches the picture to the view as it is now, which is put into target.
+bool DrawingThread::StretchPicture(PaneView& target) {
+    {
+        const std::lock_guard guard(lock);
+        target = view;
+    }
+    if (!stretched.Resize(target.width, target.height)) return false;
+    return drawDib->Stretch(
+        {picture.GetPixels(), picture.Width(), picture.Height(), picture.Stride()}, stretched);
+}
+
+// Makes the stretched picture the current image unless the pane has become another meanwhile.
+// Returns whether the interface thread must be told: it need not when it hasn't yet accepted the
+// image before.
+bool DrawingThread::PublishImage(const PaneView& target) {
+    const std::lock_guard guard(lock);
+    if (target != view || queuedGeneration != generation) return false;
+    std::swap(image, stretched);
+    imageValid = true;
+    imageNew = true;
+    return !std::exchange(notified, true);
+}
+
+void DrawingThread::EndPicture() {
+    const std::lock_guard guard(lock);
+    decoding = false;
+    decoded.notify_all();
+    busy = 0;
+}
+
+}  // namespace marvolen
