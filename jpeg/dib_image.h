@@ -1,12 +1,12 @@
 #pragma once
 
+#include "jpeg/bitmap_info_header.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <utility>
-
-#include "jpeg/bitmap_info_header.h"
 
 namespace marvolen {
 

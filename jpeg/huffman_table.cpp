@@ -1,0 +1,67 @@
+#include "jpeg/huffman_table.h"
+
+#include <algorithm>
+
+namespace marvolen {
+
+bool HuffmanTable::FitsCodeSpace(const std::uint8_t* counts) {
+    std::uint32_t used = 0;
+    for (int length = 1; length <= 16; ++length) {
+        used += static_cast<std::uint32_t>(counts[length]) << (16 - length);
+    }
+    return used <= 1U << 16;
+}
+
+void HuffmanTable::Build(const std::uint8_t* counts, const std::uint8_t* symbols, Use use) {
+    lookahead.fill(0);
+    codeLength.fill(0);
+    tree.fill(0);
+    std::int32_t freeNode = -1;
+    std::uint32_t code = 0;
+    for (int length = 1; length <= 16; ++length, code <<= 1) {
+        for (int i = 0; i < counts[length]; ++i, ++code) {
+            const int symbol = *symbols++;
+            codeLength[static_cast<std::size_t>(symbol)] = static_cast<std::uint8_t>(length);
+            if (length <= 8) {
+                const int spare = 8 - length;
+                std::fill_n(lookahead.begin() + (code << spare), 1 << spare, symbol);
+            } else {
+                AddLongCode(code, length, symbol, freeNode);
+            }
+        }
+    }
+    for (std::uint32_t bits = 0; bits < direct.size(); ++bits) {
+        direct[bits] = MakeDirect(bits, use);
+    }
+}
+
+void HuffmanTable::AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode) {
+    std::int32_t* entry = &lookahead[code >> (length - 8)];
+    for (int bitsLeft = length - 8; bitsLeft > 0; --bitsLeft) {
+        if (*entry == 0) {
+            *entry = freeNode;
+            freeNode -= 2;
+        }
+        entry = &tree[Branch(*entry, code >> (bitsLeft - 1) & 1)];
+    }
+    *entry = symbol;
+}
+
+HuffmanTable::Direct HuffmanTable::MakeDirect(std::uint32_t bits, Use use) const {
+    // The bits beyond kDirectBits are unknown: whatever depends on them is left to the caller.
+    const std::uint32_t window = bits << (16 - kDirectBits);
+    const Decoded decoded = Decode(window);
+    const bool viaLookahead = lookahead[window >> 8] >= 0;
+    if (!viaLookahead && decoded.length > kDirectBits) return {};
+    const int size = use == Use::Dc ? decoded.symbol : decoded.symbol & 15;
+    const int run = use == Use::Dc ? 0 : decoded.symbol >> 4;
+    const int total = decoded.length + size;
+    if (total > kDirectBits || (size == 0 && use == Use::Ac)) {
+        return Direct::Symbol(decoded.length, decoded.symbol);
+    }
+    if (size == 0) return Direct::Coefficient(total, 0, 0);
+    const std::uint32_t valueBits = bits >> (kDirectBits - total) & ((1U << size) - 1);
+    return Direct::Coefficient(total, run, ExtendCoefficient(valueBits, size));
+}
+
+}  // namespace marvolen

@@ -1,0 +1,158 @@
+#include "jpeg/jpeg_decoder.h"
+
+namespace marvolen {
+
+JpegDecoder::JpegDecoder(JpegSource* newSource, bool newFast)
+    : fast(newFast),
+      kernels(ActiveJpegKernels()),
+      source(newSource),
+      markers(plainReader, tables, allocations, fast),
+      sequential(input, plainReader, tables),
+      progressive(input, plainReader, tables) {
+    source->Begin();
+    input.Attach(source);
+    Guarded([this] { ReadToFrameHeader(); });
+}
+
+JpegDecoder::~JpegDecoder() {
+    Release();
+}
+
+/// Runs `work`; a failure is stored and everything released. True on success.
+template <class Work>
+bool JpegDecoder::Guarded(Work&& work) {
+    try {
+        work();
+        return true;
+    } catch (const JpegFailure& failure) {
+        error = failure.code;
+        Release();
+        return false;
+    }
+}
+
+void JpegDecoder::Release() {
+    if (source != nullptr) source->End();
+    source = nullptr;
+    allocations.Release();
+}
+
+void JpegDecoder::ReadToFrameHeader() {
+    plainReader.PrimeForMarkers();
+    markers.FindStartOfImage();
+    switch (markers.NextMarker()) {
+        case kMarkerSof0:
+        case kMarkerSof1:
+            break;
+        case kMarkerSof2:
+            frame.progressive = true;
+            break;
+        case kMarkerSof9:
+            Fail(kJpegErrorArithmetic);
+        default:
+            Fail(kJpegErrorFrameType);
+    }
+    markers.ReadFrameHeader(frame);
+}
+
+int JpegDecoder::StartDecompress() {
+    if (started) return 0;
+    if (error != 0) return -1;
+    return Guarded([this] { Start(); }) ? 0 : -1;
+}
+
+void JpegDecoder::Start() {
+    PrepareFrame(frame);
+    output.Begin(frame, allocations);
+    mcuRow.Allocate(frame, allocations);
+    if (frame.progressive) {
+        ReadProgressiveScans();
+    } else {
+        if (markers.NextMarker() != kMarkerSos) Fail(kJpegErrorMarker);
+        markers.ReadScanHeader(frame, scan);
+        RequireCompleteScan();
+        SetUpScanGeometry(frame, scan);
+        SetUpScanHuffman(scan, tables, allocations);
+        RequireQuantTables(frame, scan, tables);
+        sequential.BeginScan(fast, markers.RestartInterval());
+    }
+    started = true;
+}
+
+/// The rows of a sequential picture are built from its first scan alone.
+void JpegDecoder::RequireCompleteScan() const {
+    if (scan.componentCount != frame.componentCount) Fail(kJpegErrorComponents);
+    for (int i = 0; i < scan.componentCount; ++i) {
+        if (scan.components[static_cast<std::size_t>(i)] != i) Fail(kJpegErrorScanComponent);
+    }
+}
+
+void JpegDecoder::ReadProgressiveScans() {
+    progressive.AllocateArrays(frame, allocations);
+    for (;;) {
+        const std::uint8_t marker = markers.NextMarker();
+        if (marker == kMarkerEoi) break;
+        if (marker != kMarkerSos) Fail(kJpegErrorMarker);
+        markers.ReadScanHeader(frame, scan);
+        SetUpScanGeometry(frame, scan);
+        SetUpScanHuffman(scan, tables, allocations);
+        RequireQuantTables(frame, scan, tables);
+        progressive.DecodeScan(frame, scan, markers.RestartInterval());
+    }
+    scan.componentCount = frame.componentCount;
+    for (int i = 0; i < frame.componentCount; ++i) {
+        scan.components[static_cast<std::size_t>(i)] = i;
+    }
+    SetUpScanGeometry(frame, scan);
+    // A component that no scan named still needs its table for the inverse DCT.
+    RequireQuantTables(frame, scan, tables);
+}
+
+int JpegDecoder::ReadScanline(const std::uint8_t** row, int* rowBytes) {
+    if (error != 0 || !started) return -1;
+    if (output.Finished()) return 1;
+    if (output.NeedsMcuRow()) {
+        if (!Guarded([this] { DecodeMcuRow(); })) return kJpegErrorCorrupt;
+        output.McuRowDecoded(frame);
+    }
+    *row = output.NextRow(frame, mcuRow, kernels);
+    *rowBytes = frame.rowBytes;
+    return 0;
+}
+
+void JpegDecoder::DecodeMcuRow() {
+    if (frame.progressive) {
+        progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded, !fast, mcuRow);
+    } else {
+        sequential.DecodeMcuRow(frame, scan, mcuRow);
+    }
+    ++mcuRowsDecoded;
+    if (!frame.progressive && mcuRowsDecoded == frame.mcuRows) {
+        // What follows the scan must be in order too; its code doesn't matter.
+        plainReader.PrimeForMarkers();
+        markers.NextMarker();
+    }
+    TransformMcuRow();
+}
+
+void JpegDecoder::TransformMcuRow() {
+    const std::int16_t* coefficients = mcuRow.coefficients;
+    std::uint8_t* samples = mcuRow.samples;
+    for (int mcu = 0; mcu < frame.mcusPerRow; ++mcu) {
+        for (int i = 0; i < frame.blocksPerMcu; ++i) {
+            const auto component =
+                static_cast<std::size_t>(scan.blockComponents[static_cast<std::size_t>(i)]);
+            if (fast) {
+                kernels.fastIdct(coefficients,
+                                 tables.QuantTable(frame.components[component].quantTable),
+                                 samples);
+            } else {
+                kernels.plainIdct(coefficients, samples);
+            }
+            coefficients += kBlockSize;
+            samples += kBlockSize;
+        }
+    }
+}
+
+}  // namespace marvolen

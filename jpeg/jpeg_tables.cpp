@@ -1,0 +1,58 @@
+#include "jpeg/jpeg_tables.h"
+
+#include "jpeg/allocation_table.h"
+#include "jpeg/jpeg_error.h"
+
+namespace marvolen {
+
+// clang-format off
+const std::array<std::uint8_t, kBlockSize> kNaturalOrder = {
+     0,  1,  8, 16,  9,  2,  3, 10, 17, 24, 32, 25, 18, 11,  4,  5,
+    12, 19, 26, 33, 40, 48, 41, 34, 27, 20, 13,  6,  7, 14, 21, 28,
+    35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23, 30, 37, 44, 51,
+    58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63,
+};
+
+const std::array<std::int16_t, kBlockSize> kAanScale = {
+    16384, 22725, 21407, 19266, 16384, 12873,  8867,  4520,
+    22725, 31521, 29692, 26722, 22725, 17855, 12299,  6270,
+    21407, 29692, 27969, 25172, 21407, 16819, 11585,  5906,
+    19266, 26722, 25172, 22654, 19266, 15137, 10426,  5315,
+    16384, 22725, 21407, 19266, 16384, 12873,  8867,  4520,
+    12873, 17855, 16819, 15137, 12873, 10114,  6967,  3552,
+     8867, 12299, 11585, 10426,  8867,  6967,  4799,  2446,
+     4520,  6270,  5906,  5315,  4520,  3552,  2446,  1247,
+};
+// clang-format on
+
+void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables, AllocationTable& allocations) {
+    const auto require = [&](int slot, int firstSlot) {
+        const bool named = slot < firstSlot + kFirstAcSlot;
+        if (!named || tables.huffman[static_cast<std::size_t>(slot)].counts == nullptr) {
+            Fail(kJpegErrorHuffmanMissing);
+        }
+    };
+    for (std::size_t i = 0; i < static_cast<std::size_t>(scan.componentCount); ++i) {
+        const auto component = static_cast<std::size_t>(scan.components[i]);
+        if (scan.spectralStart == 0) require(scan.dcSlot[component], 0);
+        if (scan.spectralEnd > 0) require(scan.acSlot[component], kFirstAcSlot);
+    }
+    for (int slot = 0; slot < kHuffmanSlots; ++slot) {
+        HuffmanSlot& table = tables.huffman[static_cast<std::size_t>(slot)];
+        if (table.counts == nullptr) continue;
+        if (table.derived == nullptr) table.derived = allocations.AllocateArray<HuffmanTable>(1);
+        const auto use = slot < kFirstAcSlot ? HuffmanTable::Use::Dc : HuffmanTable::Use::Ac;
+        table.derived->Build(table.counts, table.symbols, use);
+    }
+}
+
+void RequireQuantTables(const JpegFrame& frame, const JpegScan& scan, const JpegTables& tables) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(scan.componentCount); ++i) {
+        const auto component = static_cast<std::size_t>(scan.components[i]);
+        if (!tables.HasQuantTable(frame.components[component].quantTable)) {
+            Fail(kJpegErrorQuantMissing);
+        }
+    }
+}
+
+}  // namespace marvolen
