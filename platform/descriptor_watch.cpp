@@ -13,15 +13,11 @@ public:
     Notifier(int descriptor, Type type, std::function<void()> function)
         : QSocketNotifier(descriptor, type), ready(std::move(function)) {}
 
-    // Ends the notifier: at once, or, from within its own callback, after that has returned.
+    // Ends the notifier: at once, or, from within its own callback, once that has returned.
     void Retire() {
         setEnabled(false);
         retired = true;
-        if (running == 0) {
-            delete this;
-        } else {
-            deleteLater();
-        }
+        if (running == 0) delete this;
     }
 
 protected:
@@ -31,7 +27,8 @@ protected:
         if (retired || !isEnabled()) return true;
         ++running;
         ready();
-        --running;
+        // As with a slot that deletes its notifier, the toolkit doesn't look at it afterwards.
+        if (--running == 0 && retired) delete this;
         return true;
     }
 
