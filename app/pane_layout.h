@@ -15,7 +15,16 @@ struct PaneRect {
     bool operator==(const PaneRect&) const = default;
 };
 
-// Pane k (0..15) among four rows of four.
+// View 16: pane k (0..15) among four rows of four.
 PaneRect PaneRectOf16(const PaneRect& area, int pane);
+
+// View 4: pane k in its place, two rows of two, on the page that shows it (FirstPaneOfPage).
+PaneRect PaneRectOf4(const PaneRect& area, int pane);
+
+// The first of the four panes that page p (1..4) of view 4 shows.
+int FirstPaneOfPage(int page);
+
+// Where a panel of this width stands in a window of this width: at the right edge.
+int PanelLeft(int windowWidth, int panelWidth);
 
 }  // namespace marvolen
