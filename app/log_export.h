@@ -6,7 +6,6 @@
 
 #include <QString>
 
-#include <optional>
 #include <string>
 
 namespace marvolen {

@@ -1,0 +1,25 @@
+#include "app/message_log.h"
+
+#include "app/log_text.h"
+
+#include <utility>
+
+namespace marvolen {
+
+MessageLog::MessageLog(CSortListCtrl& itsList, Clock itsClock)
+    : list(itsList), clock(std::move(itsClock)) {
+    list.SetColumns(kLogColumns);
+    // Names are of any length: their column is as wide as it is. The rest is never cut.
+    list.SetColumnSamples({"00", "", "0000/00/00 00:00:00", "Network connect."});
+}
+
+void MessageLog::AddLogEntry(const ChannelInfo* info, std::string_view message) {
+    const LogTexts texts = LogEntryTexts(ChannelNumber(info), *info, clock(), message);
+    list.AddRow(texts[0], texts[1], texts[2], texts[3]);
+}
+
+void MessageLog::Clean() {
+    list.DeleteAllRows();
+}
+
+}  // namespace marvolen

@@ -1,0 +1,232 @@
+#include "platform/list_control.h"
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QClipboard>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace marvolen {
+
+// Columns and rows as the toolkit's view asks for them.
+class CListCtrl::Model final : public QAbstractTableModel {
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    struct Column {
+        QString heading;
+        unsigned format = HDF_LEFT;
+    };
+
+    const std::vector<Column>& Columns() const { return columns; }
+    const std::vector<std::unique_ptr<Item>>& Items() const { return items; }
+
+    void InsertColumn(int before, Column column) {
+        beginInsertColumns({}, before, before);
+        columns.insert(columns.begin() + before, std::move(column));
+        endInsertColumns();
+    }
+
+    void Append(std::unique_ptr<Item> item) {
+        const int row = rowCount({});
+        beginInsertRows({}, row, row);
+        items.push_back(std::move(item));
+        endInsertRows();
+    }
+
+    void Clear() {
+        beginResetModel();
+        items.clear();
+        items.shrink_to_fit();
+        endResetModel();
+    }
+
+    void Rearrange(std::span<const std::size_t> order);
+
+    int rowCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : static_cast<int>(items.size());
+    }
+    int columnCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : static_cast<int>(columns.size());
+    }
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
+    }
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value,
+                       int role) override;
+
+private:
+    static int Alignment(unsigned format) {
+        const unsigned justify = format & HDF_JUSTIFYMASK;
+        const Qt::Alignment horizontal = justify == HDF_CENTER  ? Qt::AlignHCenter
+                                         : justify == HDF_RIGHT ? Qt::AlignRight
+                                                                : Qt::AlignLeft;
+        return static_cast<int>(horizontal | Qt::AlignVCenter);
+    }
+
+    std::vector<Column> columns;
+    std::vector<std::unique_ptr<Item>> items;  // in display order
+};
+
+void CListCtrl::Model::Rearrange(std::span<const std::size_t> order) {
+    Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    std::vector<std::unique_ptr<Item>> rearranged(items.size());
+    std::vector<int> newRow(items.size());
+    for (std::size_t row = 0; row < order.size(); ++row) {
+        rearranged[row] = std::move(items[order[row]]);
+        newRow[order[row]] = static_cast<int>(row);
+    }
+    items.swap(rearranged);
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& old : before) {
+        after.append(index(newRow[static_cast<std::size_t>(old.row())], old.column()));
+    }
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged({}, VerticalSortHint);
+}
+
+QVariant CListCtrl::Model::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    if (role == Qt::DisplayRole) {
+        return items[static_cast<std::size_t>(index.row())]->Text(index.column());
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return Alignment(columns[static_cast<std::size_t>(index.column())].format);
+    }
+    return {};
+}
+
+QVariant CListCtrl::Model::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount({})) return {};
+    const Column& column = columns[static_cast<std::size_t>(section)];
+    switch (role) {
+        case Qt::DisplayRole:
+            return column.heading;
+        case Qt::TextAlignmentRole:
+            return Alignment(column.format);
+        case kHeaderFormatRole:
+            return column.format;
+        default:
+            return {};
+    }
+}
+
+bool CListCtrl::Model::setHeaderData(int section, Qt::Orientation orientation,
+                                     const QVariant& value, int role) {
+    if (orientation != Qt::Horizontal || role != kHeaderFormatRole) return false;
+    columns[static_cast<std::size_t>(section)].format = value.toUInt();
+    Q_EMIT headerDataChanged(orientation, section, section);
+    return true;
+}
+
+CListCtrl::CListCtrl(QWidget* parent, CHeaderCtrl* header)
+    : QTreeView(parent), model(new Model(this)), headerCtrl(header ? header : new CHeaderCtrl) {
+    setHeader(headerCtrl);
+    headerCtrl->setStretchLastSection(false);
+    headerCtrl->setSectionsMovable(false);
+    QTreeView::setModel(model);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setSelectionBehavior(SelectRows);
+    setHorizontalScrollMode(ScrollPerPixel);
+    connect(headerCtrl, &QHeaderView::sectionClicked, this,
+            [this](int column) { OnColumnClick(column); });
+}
+
+CListCtrl::~CListCtrl() = default;
+
+int CListCtrl::InsertColumn(int column, const QString& heading, unsigned format, int width) {
+    if (column < 0 || column > GetColumnCount() || width < 0 || width > kWidestColumn) return -1;
+    model->InsertColumn(column, {heading, format});
+    headerCtrl->resizeSection(column, width);
+    return column;
+}
+
+int CListCtrl::GetColumnCount() const {
+    return model->columnCount({});
+}
+
+int CListCtrl::InsertItem(std::unique_ptr<Item> item) {
+    model->Append(std::move(item));
+    return GetItemCount() - 1;
+}
+
+int CListCtrl::GetItemCount() const {
+    return model->rowCount({});
+}
+
+const CListCtrl::Item* CListCtrl::GetItem(int row) const {
+    if (row < 0 || row >= GetItemCount()) return nullptr;
+    return model->Items()[static_cast<std::size_t>(row)].get();
+}
+
+void CListCtrl::DeleteAllItems() {
+    model->Clear();
+}
+
+void CListCtrl::SortItems(std::span<const std::size_t> order) {
+    model->Rearrange(order);
+}
+
+int CListCtrl::GetSelectedItem() const {
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    return selected.isEmpty() ? -1 : selected.first().row();
+}
+
+void CListCtrl::CopySelectedItem() const {
+    const Item* item = GetItem(GetSelectedItem());
+    if (!item) return;
+    QStringList texts;
+    for (int column = 0; column < GetColumnCount(); ++column) texts.append(item->Text(column));
+    QApplication::clipboard()->setText(texts.join(QLatin1Char('\t')));
+}
+
+void CListCtrl::OnColumnClick(int) {}
+
+void CListCtrl::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy)) {
+        CopySelectedItem();
+    } else {
+        QTreeView::keyPressEvent(event);
+    }
+}
+
+bool CListCtrl::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
+    const auto& help = static_cast<const QHelpEvent&>(*event);
+    const QModelIndex index = indexAt(help.pos());
+    const QRect cell = visualRect(index);
+    const QRect visible = cell & viewport()->rect();
+    if (index.isValid() && sizeHintForIndex(index).width() > visible.width()) {
+        const QString text = index.data().toString().toHtmlEscaped();
+        QToolTip::showText(help.globalPos(),
+                           QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text),
+                           viewport(), cell);
+    } else {
+        QToolTip::hideText();
+    }
+    return true;
+}
+
+void CListCtrl::updateGeometries() {
+    QScrollBar* bar = verticalScrollBar();
+    const bool showsLastRow = bar->value() == bar->maximum();
+    QTreeView::updateGeometries();
+    if (showsLastRow) bar->setValue(bar->maximum());
+}
+
+}  // namespace marvolen
