@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 #include <QContextMenuEvent>
+#include <QFontMetrics>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
 
@@ -46,6 +48,11 @@ QWidget* CDialog::GetDlgItem(int id) const {
     return findChild<QWidget*>(QString::number(id));
 }
 
+QSize CDialog::MapDialogUnits(QSize units) const {
+    const QFontMetrics metrics(font());
+    return {units.width() * metrics.averageCharWidth() / 4, units.height() * metrics.height() / 8};
+}
+
 void CDialog::SendCommand(QWidget& control, std::uint32_t code) {
     OnCommand(MakeCommand(ControlId(control), code), reinterpret_cast<LPARAM>(&control));
 }
@@ -88,6 +95,16 @@ void CDialog::contextMenuEvent(QContextMenuEvent* event) {
         QDialog::contextMenuEvent(event);
     } else {
         ShowSystemMenu(event->globalPos());
+    }
+}
+
+void CDialog::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* button = qobject_cast<QAbstractButton*>(focusWidget());
+    if (enter && button && button->isEnabled()) {
+        button->click();
+    } else {
+        QDialog::keyPressEvent(event);
     }
 }
 

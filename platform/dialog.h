@@ -49,6 +49,10 @@ public:
         return qobject_cast<Control*>(GetDlgItem(id));
     }
 
+    // A size in dialog units, in pixels: a unit is a quarter of the dialog font's average character
+    // width, and an eighth of its height.
+    QSize MapDialogUnits(QSize units) const;
+
     // Handles a control's notification now. lParam of the command is the control.
     void SendCommand(QWidget& control, std::uint32_t code);
 
@@ -77,6 +81,7 @@ protected:
     void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override;
 
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;  // Enter on a focused button is a click
 
 private:
     void Initialise();

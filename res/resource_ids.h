@@ -28,6 +28,25 @@ inline constexpr int SC_ABOUT = 0x10;
 inline constexpr int IDC_FIRST_PANE = 1008;
 inline constexpr int IDC_PANE_FRAME = 1047;
 
+// Control panel. The commands reach the main window under the same ids.
+inline constexpr int IDC_RECORD_TOGGLE = 1000;
+inline constexpr int IDC_STOP_ALL = 1001;
+inline constexpr int IDC_START_ALL = 1002;
+inline constexpr int IDC_SETTING = 1003;
+inline constexpr int IDC_PLAYBACK = 1004;
+inline constexpr int IDC_LOGO = 1037;
+inline constexpr int IDC_EXIT = 1040;
+inline constexpr int IDC_LOG_CLEAN = 1041;
+inline constexpr int IDC_LOG_SAVE = 1042;
+inline constexpr int IDC_LOG_LIST = 1043;
+inline constexpr int IDC_PREVIOUS_PAGE = 1051;
+inline constexpr int IDC_NEXT_PAGE = 1052;
+inline constexpr int IDC_VIEW_1 = 1053;
+inline constexpr int IDC_VIEW_4 = 1054;
+inline constexpr int IDC_VIEW_16 = 1055;
+inline constexpr int IDC_PAGE_TEXT = 1056;
+inline constexpr int IDC_ENABLE_POPUP = 1064;
+
 // Pop-up: its edit fields and marks.
 inline constexpr int IDC_POPUP_CHANNEL = 1007;
 inline constexpr int IDC_POPUP_NAME = 1008;

@@ -1,0 +1,245 @@
+#include "app/control_panel_dlg.h"
+
+#include "res/resource_ids.h"
+#include "res/resources.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QStyleOptionFocusRect>
+
+#include <algorithm>
+
+namespace marvolen {
+namespace {
+
+constexpr int kSpacing = 4;
+constexpr QSize kTemplateUnits(135, 421);  // dialog units
+constexpr QSize kLogoSize(90, 90);
+
+struct ViewButton {
+    ViewMode view;
+    int id;
+    const char* text;
+};
+constexpr ViewButton kViewButtons[] = {{ViewMode::One, IDC_VIEW_1, "1"},
+                                       {ViewMode::Four, IDC_VIEW_4, "4"},
+                                       {ViewMode::Sixteen, IDC_VIEW_16, "16"}};
+
+template <typename Layout>
+Layout* MakeLayout(QGroupBox* group) {
+    auto* layout = new Layout(group);
+    layout->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
+    layout->setSpacing(kSpacing);
+    return layout;
+}
+
+}  // namespace
+
+CLogoBox::CLogoBox(QWidget* parent) : CStatic(parent) {
+    setFixedSize(kLogoSize);
+    setFocusPolicy(Qt::TabFocus);
+    setCursor(Qt::PointingHandCursor);
+    setToolTip(QStringLiteral("About Marvolen"));
+}
+
+QSize CLogoBox::sizeHint() const {
+    return kLogoSize;
+}
+
+void CLogoBox::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, LoadImage(IDB_LOGO, kLogoSize, devicePixelRatioF()));
+    if (!hasFocus()) return;
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    focus.backgroundColor = palette().color(QPalette::Window);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+}
+
+void CLogoBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
+        event->key() == Qt::Key_Enter) {
+        NotifyParent(STN_CLICKED);
+    } else {
+        CStatic::keyPressEvent(event);
+    }
+}
+
+void CLogoBox::focusInEvent(QFocusEvent* event) {
+    CStatic::focusInEvent(event);
+    update();
+}
+
+void CLogoBox::focusOutEvent(QFocusEvent* event) {
+    CStatic::focusOutEvent(event);
+    update();
+}
+
+CControlPanelDlg::CControlPanelDlg(CDialog* itsMainWindow)
+    : CDialog(itsMainWindow), mainWindow(*itsMainWindow) {
+    setWindowFlags(Qt::Widget);
+    setMouseTracking(true);
+    auto* groups = new QVBoxLayout(this);
+    groups->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
+    groups->setSpacing(kSpacing);
+    groups->addWidget(MakeRecordingGroup());
+    groups->addWidget(MakeManagementGroup());
+    groups->addWidget(MakeMessageGroup(), 1);
+    groups->addWidget(MakePageGroup());
+    groups->addWidget(MakeButton(IDC_EXIT, QStringLiteral("Exit"), QStringLiteral("Exit")));
+}
+
+QPushButton* CControlPanelDlg::MakeButton(int id, const QString& text,
+                                          const QString& accessibleName) {
+    auto* button = new QPushButton(text, this);
+    // Enter must never start a recording that nobody aimed at.
+    button->setAutoDefault(false);
+    AddControl(button, id, accessibleName);
+    return button;
+}
+
+QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Recording"), this);
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(kSpacing);
+    recordToggle = MakeButton(IDC_RECORD_TOGGLE, QStringLiteral("Start"),
+                              QStringLiteral("Start or stop recording the selected channel"));
+    buttons->addWidget(recordToggle);
+    buttons->addWidget(MakeButton(IDC_STOP_ALL, QStringLiteral("Stop All"),
+                                  QStringLiteral("Stop recording all channels")));
+    buttons->addWidget(MakeButton(IDC_START_ALL, QStringLiteral("Start All"),
+                                  QStringLiteral("Start recording all channels")));
+    buttons->addStretch();
+    auto* logo = new CLogoBox(this);
+    AddControl(logo, IDC_LOGO, QStringLiteral("About Marvolen"));
+    auto* layout = MakeLayout<QHBoxLayout>(group);
+    layout->setSpacing(2 * kSpacing);
+    layout->addLayout(buttons, 1);
+    layout->addWidget(logo, 0, Qt::AlignTop);
+    return group;
+}
+
+QGroupBox* CControlPanelDlg::MakeManagementGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Management"), this);
+    auto* layout = MakeLayout<QHBoxLayout>(group);
+    layout->addWidget(
+        MakeButton(IDC_SETTING, QStringLiteral("Setting ..."), QStringLiteral("Channel settings")));
+    layout->addWidget(
+        MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."), QStringLiteral("Playback")));
+    return group;
+}
+
+QGroupBox* CControlPanelDlg::MakeMessageGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Message"), this);
+    messageList = new CSortListCtrl(this);
+    AddControl(messageList, IDC_LOG_LIST, QStringLiteral("Message log"));
+    messageList->setMinimumHeight(fontMetrics().height() * 5);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(kSpacing);
+    buttons->addWidget(MakeButton(IDC_LOG_CLEAN, QStringLiteral("Clean"),
+                                  QStringLiteral("Clean the message log")));
+    buttons->addWidget(MakeButton(IDC_LOG_SAVE, QStringLiteral("Save as..."),
+                                  QStringLiteral("Save the message log as a file")));
+    auto* layout = MakeLayout<QVBoxLayout>(group);
+    layout->addWidget(messageList, 1);
+    layout->addLayout(buttons);
+    return group;
+}
+
+QGroupBox* CControlPanelDlg::MakePageGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Page/View Option"), this);
+    auto* pages = new QHBoxLayout;
+    pages->setSpacing(kSpacing);
+    previousPage = MakeButton(IDC_PREVIOUS_PAGE, QString(), QStringLiteral("Previous page"));
+    nextPage = MakeButton(IDC_NEXT_PAGE, QString(), QStringLiteral("Next page"));
+    pageText = new QLabel(QStringLiteral("P/P"), this);
+    pageText->setAlignment(Qt::AlignCenter);
+    AddControl(pageText, IDC_PAGE_TEXT, QStringLiteral("Page"));
+    pages->addWidget(previousPage);
+    pages->addWidget(pageText, 1);
+    pages->addWidget(nextPage);
+
+    auto* views = new QHBoxLayout;
+    views->setSpacing(kSpacing);
+    for (std::size_t k = 0; k < std::size(kViewButtons); ++k) {
+        const ViewButton& description = kViewButtons[k];
+        const QString text = QLatin1String(description.text);
+        QPushButton* button =
+            MakeButton(description.id, text, QStringLiteral("Show %1 channels").arg(text));
+        button->setCheckable(true);
+        button->setAutoExclusive(true);
+        viewButtons[k] = button;
+        views->addWidget(button);
+    }
+
+    enablePopup = new QCheckBox(QStringLiteral("Enable Pop Up"), this);
+    AddControl(enablePopup, IDC_ENABLE_POPUP, QStringLiteral("Enable Pop Up"));
+
+    auto* layout = MakeLayout<QVBoxLayout>(group);
+    layout->addLayout(pages);
+    layout->addLayout(views);
+    layout->addWidget(enablePopup);
+    return group;
+}
+
+void CControlPanelDlg::OnInitDialog() {
+    nextPage->setIcon(LoadIcon(IDI_NEXT_PAGE));
+    previousPage->setIcon(LoadIcon(IDI_PREVIOUS_PAGE));
+}
+
+ViewMode CControlPanelDlg::GetViewMode() const {
+    for (std::size_t k = 0; k < std::size(kViewButtons); ++k) {
+        if (viewButtons[k]->isChecked()) return kViewButtons[k].view;
+    }
+    return ViewMode::None;
+}
+
+void CControlPanelDlg::CheckViewButton(ViewMode view) {
+    for (std::size_t k = 0; k < std::size(kViewButtons); ++k) {
+        if (kViewButtons[k].view == view) viewButtons[k]->setChecked(true);
+    }
+}
+
+void CControlPanelDlg::ShowPaging(const Paging& paging) {
+    previousPage->setEnabled(paging.HasPrevious());
+    nextPage->setEnabled(paging.HasNext());
+    pageText->setText(QString::fromStdString(paging.Text()));
+}
+
+void CControlPanelDlg::ShowRecording(bool recording) {
+    recordToggle->setText(recording ? QStringLiteral("Stop") : QStringLiteral("Start"));
+}
+
+bool CControlPanelDlg::IsPopupEnabled() const {
+    return enablePopup->isChecked();
+}
+
+QSize CControlPanelDlg::PanelSize(int maxHeight) const {
+    const QSize least = minimumSizeHint();
+    const QSize wanted = MapDialogUnits(kTemplateUnits);
+    return {std::max(wanted.width(), least.width()),
+            std::max(std::min(wanted.height(), maxHeight), least.height())};
+}
+
+// The panel never ends by itself: Escape closes the main window, which hears of it here.
+void CControlPanelDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
+    mainWindow.PostMessage(WM_COMMAND, wParam, lParam);
+}
+
+void CControlPanelDlg::mouseMoveEvent(QMouseEvent* event) {
+    CDialog::mouseMoveEvent(event);
+    mainWindow.PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+}
+
+// The pointer may come onto a control without ever moving over the panel itself.
+void CControlPanelDlg::enterEvent(QEnterEvent* event) {
+    CDialog::enterEvent(event);
+    mainWindow.PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+}
+
+}  // namespace marvolen
