@@ -9,8 +9,8 @@ namespace marvolen {
 MessageLog::MessageLog(CSortListCtrl& itsList, Clock itsClock)
     : list(itsList), clock(std::move(itsClock)) {
     list.SetColumns(kLogColumns);
-    // Names are of any length: their column is as wide as it is. The rest is never cut.
-    list.SetColumnSamples({"00", "", "0000/00/00 00:00:00", "Network connect."});
+    // Names are as long as their users make them; a short one fits.
+    list.SetColumnSamples({"00", "NET.16", "0000/00/00 00:00:00", "Network connect."});
 }
 
 void MessageLog::AddLogEntry(const ChannelInfo* info, std::string_view message) {

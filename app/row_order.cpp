@@ -46,16 +46,30 @@ int CompareDates(std::string_view a, std::string_view b) {
     return 0;
 }
 
+// The digits text begins with, without leading zeros: the longer of two such numbers is the larger.
+std::string_view LeadingDigits(std::string_view text) {
+    const auto isZero = [](char c) { return c == '0'; };
+    const auto begin = std::find_if_not(text.begin(), text.end(), isZero);
+    const auto end = std::find_if_not(begin, text.end(), IsDecimalDigit);
+    return {begin, end};
+}
+
+int CompareDigits(std::string_view a, std::string_view b) {
+    return a.size() != b.size() ? Sign(a.size(), b.size()) : Sign(a, b);
+}
+
 // strxfrm: the bytes of the result compare as the locale orders the texts.
 std::string CollationKey(std::string_view text) {
-    const std::string terminated(text.substr(0, text.find('\0')));
+    const std::string terminated(text);
     std::string key(terminated.size() * 3 + 16, '\0');
-    for (;;) {
-        const std::size_t length = std::strxfrm(key.data(), terminated.c_str(), key.size());
-        const bool fits = length < key.size();
-        key.resize(fits ? length : length + 1);
-        if (fits) return key;
+    const std::size_t length = std::strxfrm(key.data(), terminated.c_str(), key.size());
+    const bool fits = length < key.size();
+    key.resize(fits ? length : length + 1);
+    if (!fits) {
+        std::strxfrm(key.data(), terminated.c_str(), key.size());
+        key.pop_back();
     }
+    return key;
 }
 
 }  // namespace
@@ -64,14 +78,14 @@ SortText::SortText(std::string_view columnText)
     : kind(AllDigits(columnText) ? Kind::Number
            : IsDate(columnText)  ? Kind::Date
                                  : Kind::Text),
-      number(LeadingDecimal(columnText)),
+      digits(LeadingDigits(columnText)),
       text(columnText),
       collationKey(CollationKey(columnText)) {}
 
 int SortText::Compare(const SortText& other) const {
     switch (kind) {
         case Kind::Number:
-            return Sign(number, other.number);
+            return CompareDigits(digits, other.digits);
         case Kind::Date:
             return CompareDates(text, other.text);
         case Kind::Text:

@@ -18,6 +18,7 @@ namespace marvolen {
 // A text of the sorted column, prepared for many comparisons.
 class SortText {
 public:
+    // The text is borrowed.
     explicit SortText(std::string_view columnText);
 
     // -1, 0 or 1 as this text comes before, with or after other.
@@ -27,8 +28,8 @@ private:
     enum class Kind { Number, Date, Text };
 
     Kind kind;
-    std::uint64_t number;      // value of the leading digits
-    std::string_view text;     // the column's text; not owned
+    std::string_view digits;  // the digits the text begins with, without leading zeros
+    std::string_view text;
     std::string collationKey;  // orders as the locale does, byte by byte
 };
 

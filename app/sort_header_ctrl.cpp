@@ -7,20 +7,21 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <numeric>
 
 namespace marvolen {
 namespace {
 
 constexpr qsizetype kLongestLabel = 254;
+constexpr int kArrowMargins = 3;  // the arrow's width in margins
 
 // A pen's colour as the palette has it, or one between face and text where that would hardly show
 // on the face: palettes need not have light and dark shades that differ from it.
 QColor VisibleShade(const QColor& shade, const QColor& face, const QColor& text) {
-    constexpr int kLeastDifference = 40;
+    constexpr int kLeastDifference = 60;
     if (std::abs(qGray(shade.rgb()) - qGray(face.rgb())) >= kLeastDifference) return shade;
-    const auto between = [](int a, int b) { return (2 * a + b) / 3; };
-    return QColor(between(face.red(), text.red()), between(face.green(), text.green()),
-                  between(face.blue(), text.blue()));
+    return QColor(std::midpoint(face.red(), text.red()), std::midpoint(face.green(), text.green()),
+                  std::midpoint(face.blue(), text.blue()));
 }
 
 }  // namespace
@@ -34,6 +35,12 @@ void CSortHeaderCtrl::SetSortArrow(int column, bool ascending) {
     viewport()->update();
 }
 
+int CSortHeaderCtrl::WidthWithArrow(int column) const {
+    const int off = HeaderMargin(sizeHint().height());
+    const int text = fontMetrics().horizontalAdvance(GetItemText(column)) + 1;  // rounded up
+    return text + (kArrowMargins + 2) * off;
+}
+
 void CSortHeaderCtrl::DrawItem(const DrawItemInfo& draw) const {
     draw.painter.fillRect(draw.rect, palette().color(QPalette::Button));
     DrawLabel(draw, HeaderMargin(draw.rect.height()));
@@ -43,7 +50,7 @@ void CSortHeaderCtrl::DrawItem(const DrawItemInfo& draw) const {
 void CSortHeaderCtrl::DrawLabel(const DrawItemInfo& draw, int off) const {
     QRect rect = draw.rect;
     if (draw.pressed) rect.adjust(1, 2, 1, 0);
-    if (draw.item == sortColumn) rect.setRight(rect.right() - 3 * off);
+    if (draw.item == sortColumn) rect.setRight(rect.right() - kArrowMargins * off);
     rect.adjust(off, 0, -off, 0);
     if (rect.isEmpty()) return;
     const unsigned justify = GetItemFormat(draw.item) & HDF_JUSTIFYMASK;

@@ -42,11 +42,14 @@ void CSortListCtrl::SetColumnSamples(std::vector<std::string> samples) {
 
 void CSortListCtrl::WidenColumns() {
     const int count = std::min(columnCount, static_cast<int>(columnSamples.size()));
-    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    QStyleOptionViewItem cell;
+    initViewItemOption(&cell);
+    cell.features |= QStyleOptionViewItem::HasDisplay;
     for (int column = 0; column < count; ++column) {
-        const auto& sample = columnSamples[static_cast<std::size_t>(column)];
-        const int text = fontMetrics().horizontalAdvance(QString::fromStdString(sample));
-        const int needed = std::max(text + 2 * margin, sortHeader->sectionSizeHint(column));
+        cell.text = QString::fromStdString(columnSamples[static_cast<std::size_t>(column)]);
+        const QSize cellSize = style()->sizeFromContents(QStyle::CT_ItemViewItem, &cell, {}, this);
+        const int needed = std::max({cellSize.width() + 1, sortHeader->sectionSizeHint(column),
+                                     sortHeader->WidthWithArrow(column)});
         if (needed > columnWidth(column)) setColumnWidth(column, needed);
     }
 }

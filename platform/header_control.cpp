@@ -41,10 +41,9 @@ void CHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logical
     style()->drawControl(QStyle::CE_HeaderSection, &option, painter, this);
     painter->restore();
 
-    const QRect item = rect.adjusted(0, 0, -1, -1);
     painter->save();
-    painter->setClipRect(item, Qt::IntersectClip);
-    DrawItem({*painter, logicalIndex, item, (option.state & QStyle::State_Sunken) != 0});
+    painter->setClipRect(rect.adjusted(0, 0, -1, -1), Qt::IntersectClip);
+    DrawItem({*painter, logicalIndex, rect, (option.state & QStyle::State_Sunken) != 0});
     painter->restore();
 }
 

@@ -36,9 +36,10 @@ public:
 
 protected:
     struct DrawItemInfo {
-        QPainter& painter;  // clipped to rect; saved and restored around DrawItem
+        QPainter& painter;  // clipped to rect but for the lines that part it from its neighbours;
+                            // saved and restored around DrawItem
         int item;
-        QRect rect;    // the item without the lines that part it from its neighbours
+        QRect rect;
         bool pressed;  // the mouse button is down on it
     };
 

@@ -130,11 +130,11 @@ bool CListCtrl::Model::setHeaderData(int section, Qt::Orientation orientation,
 }
 
 CListCtrl::CListCtrl(QWidget* parent, CHeaderCtrl* header)
-    : QTreeView(parent), model(new Model(this)), headerCtrl(header ? header : new CHeaderCtrl) {
+    : QTreeView(parent), listModel(new Model(this)), headerCtrl(header ? header : new CHeaderCtrl) {
     setHeader(headerCtrl);
     headerCtrl->setStretchLastSection(false);
     headerCtrl->setSectionsMovable(false);
-    QTreeView::setModel(model);
+    QTreeView::setModel(listModel);
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);
@@ -151,35 +151,35 @@ CListCtrl::~CListCtrl() = default;
 
 int CListCtrl::InsertColumn(int column, const QString& heading, unsigned format, int width) {
     if (column < 0 || column > GetColumnCount() || width < 0 || width > kWidestColumn) return -1;
-    model->InsertColumn(column, {heading, format});
+    listModel->InsertColumn(column, {heading, format});
     headerCtrl->resizeSection(column, width);
     return column;
 }
 
 int CListCtrl::GetColumnCount() const {
-    return model->columnCount({});
+    return listModel->columnCount({});
 }
 
 int CListCtrl::InsertItem(std::unique_ptr<Item> item) {
-    model->Append(std::move(item));
+    listModel->Append(std::move(item));
     return GetItemCount() - 1;
 }
 
 int CListCtrl::GetItemCount() const {
-    return model->rowCount({});
+    return listModel->rowCount({});
 }
 
 const CListCtrl::Item* CListCtrl::GetItem(int row) const {
     if (row < 0 || row >= GetItemCount()) return nullptr;
-    return model->Items()[static_cast<std::size_t>(row)].get();
+    return listModel->Items()[static_cast<std::size_t>(row)].get();
 }
 
 void CListCtrl::DeleteAllItems() {
-    model->Clear();
+    listModel->Clear();
 }
 
 void CListCtrl::SortItems(std::span<const std::size_t> order) {
-    model->Rearrange(order);
+    listModel->Rearrange(order);
 }
 
 int CListCtrl::GetSelectedItem() const {

@@ -75,7 +75,7 @@ protected:
 private:
     class Model;
 
-    Model* const model;             // child of this
+    Model* const listModel;         // child of this
     CHeaderCtrl* const headerCtrl;  // child of this
 };
 
