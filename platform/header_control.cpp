@@ -6,7 +6,6 @@
 namespace marvolen {
 
 CHeaderCtrl::CHeaderCtrl(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-    setSectionsClickable(true);
     setMinimumSectionSize(0);
 }
 
@@ -32,6 +31,7 @@ void CHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logical
         QHeaderView::paintSection(painter, rect, logicalIndex);
         return;
     }
+    if (!rect.isValid()) return;
     QStyleOptionHeaderV2 option;
     initStyleOption(&option);
     option.rect = rect;

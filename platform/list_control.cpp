@@ -132,6 +132,7 @@ bool CListCtrl::Model::setHeaderData(int section, Qt::Orientation orientation,
 CListCtrl::CListCtrl(QWidget* parent, CHeaderCtrl* header)
     : QTreeView(parent), listModel(new Model(this)), headerCtrl(header ? header : new CHeaderCtrl) {
     setHeader(headerCtrl);
+    headerCtrl->setSectionsClickable(true);  // setHeader turns it off
     headerCtrl->setStretchLastSection(false);
     headerCtrl->setSectionsMovable(false);
     QTreeView::setModel(listModel);

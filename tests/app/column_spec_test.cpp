@@ -1,0 +1,37 @@
+#include "app/column_spec.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace marvolen {
+namespace {
+
+using Columns = std::vector<ColumnSpec>;
+
+TEST(ColumnSpec, ReadsNamesAndWidths) {
+    EXPECT_EQ(ParseColumnSpec("ID,20;CH,54;Time,115;Message,192"),
+              (Columns{{"ID", 20}, {"CH", 54}, {"Time", 115}, {"Message", 192}}));
+    EXPECT_EQ(ParseColumnSpec("ID,20;"), (Columns{{"ID", 20}}));
+    EXPECT_EQ(ParseColumnSpec(",5"), (Columns{{"", 5}}));
+}
+
+TEST(ColumnSpec, AnEntryWithoutACommaEndsTheText) {
+    EXPECT_EQ(ParseColumnSpec(""), Columns{});
+    EXPECT_EQ(ParseColumnSpec("A"), Columns{});
+    EXPECT_EQ(ParseColumnSpec("A,10;B"), (Columns{{"A", 10}}));
+}
+
+TEST(ColumnSpec, ANameRunsToItsCommaAndAWidthToItsSemicolon) {
+    EXPECT_EQ(ParseColumnSpec("A;B,10"), (Columns{{"A;B", 10}}));
+    EXPECT_EQ(ParseColumnSpec("A,10,20;B,30"), (Columns{{"A", 10}, {"B", 30}}));
+    EXPECT_EQ(ParseColumnSpec(";,1"), (Columns{{";", 1}}));
+}
+
+TEST(ColumnSpec, WidthsAreTheirLeadingDigits) {
+    EXPECT_EQ(
+        ParseColumnSpec("A,12px;B,wide;C,;D,-4;E,99999999999999999999"),
+        (Columns{{"A", 12}, {"B", 0}, {"C", 0}, {"D", 0}, {"E", std::numeric_limits<int>::max()}}));
+}
+
+}  // namespace
+}  // namespace marvolen
