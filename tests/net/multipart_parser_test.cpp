@@ -79,9 +79,9 @@ protected:
             ASSERT_EQ(Parse(stream, {cut}), expected) << "cut at " << cut;
         }
         std::mt19937 random(1);
-        for (int round = 0; round < 50; ++round) {
+        for (unsigned round = 0; round < 50; ++round) {
             Sizes sizes(stream.size());
-            for (std::size_t& size : sizes) size = random() % (round + 2U);
+            for (std::size_t& size : sizes) size = random() % (round + 2);
             ASSERT_EQ(Parse(stream, sizes), expected) << "random cuts, round " << round;
         }
     }
