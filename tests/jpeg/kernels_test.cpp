@@ -128,7 +128,7 @@ TEST_P(KernelsTest, ColourRowsOfEveryLayoutAndLength) {
     for (std::size_t mode = 1; mode < kColourModes; ++mode) {
         const std::size_t across = mode == 2 || mode == 4 ? 2 : 1;
         const std::size_t rows = mode >= 3 ? 2 : 1;
-        for (const std::size_t samples : {1, 8, 56, 63, 64, 65, 72, 352}) {
+        for (const std::size_t samples : {1U, 8U, 56U, 63U, 64U, 65U, 72U, 352U}) {
             SCOPED_TRACE(testing::Message() << kernels.name << " mode " << mode << ", " << samples);
             const auto y = RandomBytes(samples * across), below = RandomBytes(samples * across);
             const auto cb = RandomBytes(samples), cr = RandomBytes(samples);
