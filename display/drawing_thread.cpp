@@ -57,15 +57,15 @@ void DrawingThread::DropPictures(std::unique_lock<std::mutex>& guard) {
     decoded.wait(guard, [this] { return !decoding; });
 }
 
-void DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
+bool DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
     const std::lock_guard guard(lock);
-    if (busy != 0 || !drawThread.joinable()) return;
+    if (busy != 0 || !drawThread.joinable()) return false;
     if (jpeg.size() > pictureBuffer.size()) {
         try {
             pictureBuffer.clear();
             pictureBuffer.resize((jpeg.size() / 1024 + 1) * 1024);
         } catch (const std::bad_alloc&) {
-            return;
+            return false;
         }
     }
     std::copy(jpeg.begin(), jpeg.end(), pictureBuffer.begin());
@@ -75,9 +75,10 @@ void DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
         pictureBuffer[jpeg.size()] = 0xFF;
         pictureBuffer[jpeg.size() + 1] = 0xD9;
     }
-    if (!queue.Post({WM_PANEPICTURE})) return;
+    if (!queue.Post({WM_PANEPICTURE})) return false;
     queuedGeneration = generation;
     busy = 1;
+    return true;
 }
 
 bool DrawingThread::SetView(const PaneView& newView) {
@@ -134,7 +135,7 @@ bool DrawingThread::StretchPicture(PaneView& target) {
 // image before.
 bool DrawingThread::PublishImage(const PaneView& target) {
     const std::lock_guard guard(lock);
-    if (target != view || queuedGeneration != generation) return false;
+    if (!view.shown || target != view || queuedGeneration != generation) return false;
     std::swap(image, stretched);
     imageValid = true;
     imageNew = true;

@@ -72,9 +72,9 @@ public:
     // while closed are not decoded.
     void Close();
 
-    // Hands a copy of a JPEG picture to the thread if it is free; otherwise does nothing. Allocates
-    // only when the picture is the largest yet.
-    void QueuePicture(std::span<const std::uint8_t> jpeg);
+    // Hands a copy of a JPEG picture to the thread if it is free; otherwise does nothing. Returns
+    // whether it did. Allocates only when the picture is the largest yet.
+    bool QueuePicture(std::span<const std::uint8_t> jpeg);
 
     // Tells the thread what the pane looks like from now on. A different view drops the current
     // image. While not shown, pictures are not decoded. Returns whether it was different.

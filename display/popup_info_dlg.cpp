@@ -83,7 +83,9 @@ void CPopupInfoDlg::ShowMark(MarkControl& control, int mark, bool shown) {
 void CPopupInfoDlg::paintEvent(QPaintEvent* event) {
     CDialog::paintEvent(event);
     QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Mid));
+    QColor outline = palette().color(QPalette::WindowText);
+    outline.setAlphaF(0.35F);
+    painter.setPen(outline);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

@@ -77,6 +77,32 @@ std::uint32_t PackPixel(std::uint64_t sums) {
                                       (sums >> 24 & 0xFF0000) | 0xFF000000);
 }
 
+// Adds count samples of two rows from begin on; two at a time halve the traffic of the sums.
+void AddTwoRows(std::array<std::uint16_t, kSamplesAtOnce>& sums, const WeightedRow& first,
+                const WeightedRow& second, std::size_t begin, std::size_t count) {
+    const std::uint8_t* a = first.samples + begin;
+    const std::uint8_t* b = second.samples + begin;
+    for (std::size_t i = 0; i < count; ++i) {
+        sums[i] = static_cast<std::uint16_t>(sums[i] + a[i] * first.weight + b[i] * second.weight);
+    }
+}
+
+// Makes a row of target pixels of a row of samples. kTaps repeats the axis' taps where it is known
+// at compile time, else it is 0.
+template <int kTaps>
+void BlendPixels(const AxisWeights& axis, const std::uint16_t* samples, std::uint32_t* target) {
+    constexpr std::uint64_t kHalves = 0x0001'0001'0001'0001 * kHalf;
+    const int taps = kTaps != 0 ? kTaps : axis.taps;
+    const std::uint16_t* weight = axis.weights.data();
+    for (const std::int32_t first : axis.first) {
+        const std::uint16_t* from = samples + static_cast<std::size_t>(first) * 3;
+        std::uint64_t sums = kHalves;
+        for (int tap = 0; tap < taps; ++tap) sums += LoadPixel(from + tap * 3) * weight[tap];
+        weight += taps;
+        *target++ = PackPixel(sums);
+    }
+}
+
 }  // namespace
 
 bool ScreenImage::Resize(int newWidth, int newHeight) {
@@ -119,7 +145,7 @@ bool Stretcher::Stretch(const BottomUpPicture& source, ScreenImage& target) {
     try {
         horizontal.Prepare(source.width, target.width);
         vertical.Prepare(source.height, target.height);
-        rows.resize(static_cast<std::size_t>(vertical.taps));
+        rows.reserve(static_cast<std::size_t>(vertical.taps) + 1);  // made even
         blended.resize(static_cast<std::size_t>(source.width) * 3 + kLaneSlack);
     } catch (const std::bad_alloc&) {
         return false;
@@ -135,24 +161,24 @@ bool Stretcher::Stretch(const BottomUpPicture& source, ScreenImage& target) {
 // Fills blended with the samples of the source rows that make up a target row.
 void Stretcher::BlendRows(const BottomUpPicture& source, int targetRow) {
     const auto row = static_cast<std::size_t>(targetRow);
-    for (std::size_t tap = 0; tap < rows.size(); ++tap) {
+    const auto taps = static_cast<std::size_t>(vertical.taps);
+    rows.clear();
+    for (std::size_t tap = 0; tap < taps; ++tap) {
+        const std::uint16_t weight = vertical.weights[row * taps + tap];
+        if (weight == 0) continue;
         const auto fromTop = static_cast<std::size_t>(vertical.first[row]) + tap;
-        rows[tap] =
-            source.pixels + (static_cast<std::size_t>(source.height) - 1 - fromTop) * source.stride;
+        const std::size_t fromBottom = static_cast<std::size_t>(source.height) - 1 - fromTop;
+        rows.push_back({source.pixels + fromBottom * source.stride, weight});
     }
-    const std::uint16_t* weights = vertical.weights.data() + row * rows.size();
+    if (rows.size() % 2 != 0) rows.push_back({rows.back().samples, 0});
+
     const std::size_t samples = static_cast<std::size_t>(source.width) * 3;
     for (std::size_t begin = 0; begin < samples; begin += kSamplesAtOnce) {
         const std::size_t count = std::min(kSamplesAtOnce, samples - begin);
         std::array<std::uint16_t, kSamplesAtOnce> sums;
         sums.fill(kHalf);
-        for (std::size_t tap = 0; tap < rows.size(); ++tap) {
-            const std::uint8_t* from = rows[tap] + begin;
-            const std::uint16_t weight = weights[tap];
-            if (weight == 0) continue;
-            for (std::size_t i = 0; i < count; ++i) {
-                sums[i] = static_cast<std::uint16_t>(sums[i] + from[i] * weight);
-            }
+        for (std::size_t pair = 0; pair < rows.size(); pair += 2) {
+            AddTwoRows(sums, rows[pair], rows[pair + 1], begin, count);
         }
         std::uint16_t* to = blended.data() + begin;
         for (std::size_t i = 0; i < count; ++i) to[i] = static_cast<std::uint16_t>(sums[i] >> 8);
@@ -161,15 +187,17 @@ void Stretcher::BlendRows(const BottomUpPicture& source, int targetRow) {
 
 // Makes a target row of the samples in blended.
 void Stretcher::BlendColumns(std::uint32_t* targetRow) const {
-    constexpr std::uint64_t kHalves = 0x0001'0001'0001'0001 * kHalf;
-    const std::uint16_t* weight = horizontal.weights.data();
-    for (const std::int32_t first : horizontal.first) {
-        const std::uint16_t* from = blended.data() + static_cast<std::size_t>(first) * 3;
-        std::uint64_t sums = kHalves;
-        for (int tap = 0; tap < horizontal.taps; ++tap, from += 3) {
-            sums += LoadPixel(from) * *weight++;
-        }
-        *targetRow++ = PackPixel(sums);
+    switch (horizontal.taps) {
+        case 1:
+            return BlendPixels<1>(horizontal, blended.data(), targetRow);
+        case 2:
+            return BlendPixels<2>(horizontal, blended.data(), targetRow);
+        case 3:
+            return BlendPixels<3>(horizontal, blended.data(), targetRow);
+        case 4:
+            return BlendPixels<4>(horizontal, blended.data(), targetRow);
+        default:
+            return BlendPixels<0>(horizontal, blended.data(), targetRow);
     }
 }
 

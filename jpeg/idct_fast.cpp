@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace marvolen {
 namespace {
@@ -79,7 +80,7 @@ inline void Transpose(const Block& in, Block& out) {
 }  // namespace
 
 void FastIdctPortable(const std::int16_t* coefficients, const std::int16_t* table,
-                      std::uint8_t* samples) {
+                      std::uint8_t* samples, std::ptrdiff_t stride) {
     Block work;
     for (std::size_t i = 0; i < 64; ++i) {
         work[i] = static_cast<std::int16_t>(coefficients[i] * table[i]);
@@ -90,9 +91,14 @@ void FastIdctPortable(const std::int16_t* coefficients, const std::int16_t* tabl
     TransformColumns(turned);
     Transpose(turned, work);
     // A result shifted right by 5 lies within 11 bits, so that + 128 can't overflow.
+    std::array<std::uint8_t, 64> clamped;
     for (std::size_t i = 0; i < 64; ++i) {
-        const int sample = (work[i] >> 5) + 128;
-        samples[i] = static_cast<std::uint8_t>(std::clamp(sample, 0, 255));
+        const auto sample = static_cast<std::int16_t>((work[i] >> 5) + 128);
+        clamped[i] =
+            static_cast<std::uint8_t>(std::clamp(sample, std::int16_t{0}, std::int16_t{255}));
+    }
+    for (std::size_t row = 0; row < 8; ++row, samples += stride) {
+        std::memcpy(samples, clamped.data() + 8 * row, 8);
     }
 }
 

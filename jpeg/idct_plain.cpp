@@ -66,7 +66,8 @@ bool OnlyFirst(const Values& values) {
 
 }  // namespace
 
-void PlainIdctPortable(const std::int16_t* coefficients, std::uint8_t* samples) {
+void PlainIdctPortable(const std::int16_t* coefficients, std::uint8_t* samples,
+                       std::ptrdiff_t stride) {
     std::array<std::uint32_t, 64> work;
     for (std::size_t row = 0; row < 8; ++row) {
         Eight x;
@@ -83,11 +84,12 @@ void PlainIdctPortable(const std::int16_t* coefficients, std::uint8_t* samples) 
         const Eight results = Transform(x);
         for (std::size_t i = 0; i < 8; ++i) store(i, RoundShift(results[i], 11));
     }
-    for (std::size_t column = 0; column < 8; ++column) {
+    for (std::size_t column = 0; column < 8; ++column, ++samples) {
         Eight x;
         for (std::size_t i = 0; i < 8; ++i) x[i] = work[8 * i + column];
         const auto store = [&](std::size_t row, std::int32_t value) {
-            samples[8 * row + column] = static_cast<std::uint8_t>(std::clamp(value + 128, 0, 255));
+            samples[static_cast<std::ptrdiff_t>(row) * stride] =
+                static_cast<std::uint8_t>(std::clamp(value + 128, 0, 255));
         };
         if (OnlyFirst(x)) {
             for (std::size_t i = 0; i < 8; ++i) store(i, RoundShift(x[0], 5));

@@ -136,21 +136,22 @@ void JpegDecoder::DecodeMcuRow() {
 }
 
 void JpegDecoder::TransformMcuRow() {
-    const std::int16_t* coefficients = mcuRow.coefficients;
-    std::uint8_t* samples = mcuRow.samples;
+    const std::int16_t* block = mcuRow.coefficients;
     for (int mcu = 0; mcu < frame.mcusPerRow; ++mcu) {
-        for (int i = 0; i < frame.blocksPerMcu; ++i) {
-            const auto component =
-                static_cast<std::size_t>(scan.blockComponents[static_cast<std::size_t>(i)]);
-            if (fast) {
-                kernels.fastIdct(coefficients,
-                                 tables.QuantTable(frame.components[component].quantTable),
-                                 samples);
-            } else {
-                kernels.plainIdct(coefficients, samples);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(frame.componentCount); ++i) {
+            const JpegComponent& component = frame.components[i];
+            const SamplePlane& plane = mcuRow.planes[i];
+            for (int y = 0; y < component.vertical; ++y) {
+                std::uint8_t* line = plane.Line(8 * y) + 8 * component.horizontal * mcu;
+                for (int x = 0; x < component.horizontal; ++x, block += kBlockSize) {
+                    if (fast) {
+                        kernels.fastIdct(block, tables.QuantTable(component.quantTable),
+                                         line + 8 * x, plane.stride);
+                    } else {
+                        kernels.plainIdct(block, line + 8 * x, plane.stride);
+                    }
+                }
             }
-            coefficients += kBlockSize;
-            samples += kBlockSize;
         }
     }
 }

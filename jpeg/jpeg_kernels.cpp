@@ -12,8 +12,8 @@ constexpr JpegKernels kPortable = {
     .name = "portable",
     .fastIdct = FastIdctPortable,
     .plainIdct = PlainIdctPortable,
-    .buildRows = {BuildGrayPortable, BuildY1x1Portable, BuildY2x1Portable, BuildY1x2Portable,
-                  BuildY2x2Portable},
+    .buildColour = {nullptr, BuildColourPortable<1, 1>, BuildColourPortable<2, 1>,
+                    BuildColourPortable<1, 2>, BuildColourPortable<2, 2>},
     .packGray = PackGrayPortable,
     .packColour = PackColourPortable,
 };

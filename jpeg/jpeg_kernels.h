@@ -1,8 +1,10 @@
 #pragma once
 
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/pixel_rows.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -12,26 +14,28 @@ namespace marvolen {
 /// for the same input, whatever it is; "portable" is the reference. Kernels keep no state and run
 /// on any thread.
 struct JpegKernels {
-    /// Dequantises 64 quantised coefficients with a fast-path table and transforms them into 64
-    /// samples; both in natural order. See "jpeg/idct.h".
+    /// Dequantises 64 quantised coefficients with a fast-path table and transforms them into 8
+    /// lines of 8 samples that start `stride` bytes apart. Coefficients and table are in natural
+    /// order.
     using FastIdct = void (*)(const std::int16_t* coefficients, const std::int16_t* table,
-                              std::uint8_t* samples);
-    /// Transforms 64 dequantised coefficients into 64 samples.
-    using PlainIdct = void (*)(const std::int16_t* coefficients, std::uint8_t* samples);
-    /// Builds the output row at position `p` of an MCU row from the samples of `mcus` MCUs: gray
-    /// bytes, or R, G, B, 0. In the modes of 16 lines an MCU `p` is even, and row p + 1 goes to
-    /// `second`, which the other modes leave alone.
-    using BuildRows = void (*)(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                               std::uint8_t* second);
+                              std::uint8_t* samples, std::ptrdiff_t stride);
+    /// Transforms 64 dequantised coefficients into 8 lines of 8 samples.
+    using PlainIdct = void (*)(const std::int16_t* coefficients, std::uint8_t* samples,
+                               std::ptrdiff_t stride);
+    /// Builds a row of colour pixels (R, G, B, 0) in `first` from the first `chromaSamples` samples
+    /// of Cb and Cr, each repeated over the pixels it covers. In the modes with Y sampled twice
+    /// down the row below goes to `second`; the others leave it and `yBelow` alone.
+    using BuildColour = void (*)(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
+                                 std::uint8_t* second);
     /// Turns `pixels` pixels of an output row into B, G, R.
     using PackRow = void (*)(const std::uint8_t* row, int pixels, std::uint8_t* bgr);
 
     const char* name;
     FastIdct fastIdct;
     PlainIdct plainIdct;
-    std::array<BuildRows, kColourModes> buildRows;  ///< by `ColourMode`
-    PackRow packGray;                               ///< from one byte a pixel
-    PackRow packColour;                             ///< from four bytes a pixel
+    std::array<BuildColour, kColourModes> buildColour;  ///< by `ColourMode`; none for gray
+    PackRow packGray;                                   ///< from one byte a pixel
+    PackRow packColour;                                 ///< from four bytes a pixel
 };
 
 /// Every set that this processor can run, the portable one first.

@@ -5,140 +5,170 @@
 //   red    (91882 Cr + 32768) >> 16                  1.402
 //   green  (-22554 Cb - 46802 Cr + 32768) >> 16      0.34414, 0.71414
 //   blue   (116130 Cb + 32768) >> 16                 1.772
-// that are added to the Y of each of its pixels and clamped. The offsets fit 16 bits; loops run
-// over arrays of fixed length, which is what a compiler makes vector code of.
+// that are added to the Y of each of its pixels and clamped. Rows are built in strips, so that the
+// loops run over arrays of a fixed length that a compiler makes vector code of; 8-bit lanes where
+// possible, for there are more of them.
 
 #include "jpeg/pixel_rows.h"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace marvolen {
 namespace {
 
-constexpr std::size_t kBlock = 64;
+constexpr std::size_t kStrip = 64;  // chroma samples
 
 template <std::size_t N>
+using Samples = std::array<std::uint8_t, N>;
+template <std::size_t N>
+using Words = std::array<std::int16_t, N>;
+
+/// What N chroma samples do to one colour. An offset is kept as two magnitudes, one of which is 0:
+/// y + `up` - `down`, each step saturating at 255 and 0, is the clamped sum in 8 bits.
+template <std::size_t N>
 struct Offsets {
-    std::array<std::int16_t, N> red;
-    std::array<std::int16_t, N> green;
-    std::array<std::int16_t, N> blue;
+    Samples<N> up;
+    Samples<N> down;
+
+    void Set(std::size_t i, int offset) {
+        const auto word = static_cast<std::int16_t>(offset);
+        up[i] = static_cast<std::uint8_t>(std::max(word, std::int16_t{0}));
+        down[i] =
+            static_cast<std::uint8_t>(std::max(static_cast<std::int16_t>(-word), std::int16_t{0}));
+    }
+    Samples<N> Apply(const Samples<N>& y) const {
+        Samples<N> shade;
+        for (std::size_t i = 0; i < N; ++i) {
+            const auto room = static_cast<std::uint8_t>(~y[i]);
+            const auto raised = static_cast<std::uint8_t>(y[i] + std::min(up[i], room));
+            shade[i] = static_cast<std::uint8_t>(raised - std::min(down[i], raised));
+        }
+        return shade;
+    }
 };
 
-/// The offsets of the eight chroma samples of a row.
-inline Offsets<8> ChromaOffsets(const std::uint8_t* cb, const std::uint8_t* cr) {
-    Offsets<8> offsets;
-    for (std::size_t i = 0; i < 8; ++i) {
-        const int b = cb[i] - 128;
-        const int r = cr[i] - 128;
-        offsets.red[i] = static_cast<std::int16_t>((91882 * r + 32768) >> 16);
-        offsets.green[i] = static_cast<std::int16_t>((-22554 * b - 46802 * r + 32768) >> 16);
-        offsets.blue[i] = static_cast<std::int16_t>((116130 * b + 32768) >> 16);
+template <std::size_t N>
+struct ColourOffsets {
+    Offsets<N> red;
+    Offsets<N> green;
+    Offsets<N> blue;
+};
+
+/// (value x multiplier + 32768) >> 16 for -128 <= value < 128: half of the doubled value's high
+/// product, rounded up, which needs no more than 16 bits.
+template <std::size_t N>
+Words<N> Scaled(const Words<N>& values, int multiplier) {
+    Words<N> high;
+    for (std::size_t i = 0; i < N; ++i) {
+        const auto twice = static_cast<std::int16_t>(values[i] * 2);
+        high[i] = static_cast<std::int16_t>((twice * multiplier) >> 16);
+    }
+    Words<N> scaled;
+    for (std::size_t i = 0; i < N; ++i) {
+        scaled[i] = static_cast<std::int16_t>((high[i] + 1) >> 1);
+    }
+    return scaled;
+}
+
+/// The colour factors are split into a whole number and a multiplier of 16 bits.
+template <std::size_t N>
+ColourOffsets<N> ChromaOffsets(const Samples<N>& cb, const Samples<N>& cr) {
+    constexpr std::int16_t kGreenCb = -22554;
+    constexpr std::int16_t kGreenCr = -46802 + 65536;
+    Words<N> b;
+    Words<N> r;
+    Words<N> green;
+    for (std::size_t i = 0; i < N; ++i) {
+        b[i] = static_cast<std::int16_t>(cb[i] - 128);
+        r[i] = static_cast<std::int16_t>(cr[i] - 128);
+    }
+    for (std::size_t i = 0; i < N; ++i) {
+        green[i] = static_cast<std::int16_t>((kGreenCb * b[i] + kGreenCr * r[i] + 32768) >> 16);
+    }
+    const Words<N> red = Scaled(r, 91882 - 65536);
+    const Words<N> blue = Scaled(b, 116130 - 2 * 65536);
+    ColourOffsets<N> offsets;
+    for (std::size_t i = 0; i < N; ++i) {
+        offsets.red.Set(i, static_cast<std::int16_t>(red[i] + r[i]));
+        offsets.green.Set(i, static_cast<std::int16_t>(green[i] - r[i]));
+        offsets.blue.Set(i, static_cast<std::int16_t>(blue[i] + 2 * b[i]));
     }
     return offsets;
 }
 
-inline std::array<std::int16_t, 16> Twice(const std::array<std::int16_t, 8>& values) {
-    std::array<std::int16_t, 16> twice;
-    for (std::size_t i = 0; i < 8; ++i) twice[2 * i] = twice[2 * i + 1] = values[i];
-    return twice;
-}
-
-inline Offsets<16> Twice(const Offsets<8>& offsets) {
-    return {Twice(offsets.red), Twice(offsets.green), Twice(offsets.blue)};
+/// a[0], b[0], a[1], b[1], ...
+template <class T, std::size_t N>
+std::array<T, 2 * N> Interleave(const std::array<T, N>& a, const std::array<T, N>& b) {
+    std::array<T, 2 * N> both;
+    for (std::size_t i = 0; i < N; ++i) {
+        both[2 * i] = a[i];
+        both[2 * i + 1] = b[i];
+    }
+    return both;
 }
 
 template <std::size_t N>
-std::array<std::uint8_t, N> Shade(const std::array<std::uint8_t, N>& y,
-                                  const std::array<std::int16_t, N>& offsets) {
-    std::array<std::uint8_t, N> shade;
-    for (std::size_t i = 0; i < N; ++i) {
-        const auto sum = static_cast<std::int16_t>(y[i] + offsets[i]);
-        shade[i] = static_cast<std::uint8_t>(std::clamp(sum, std::int16_t{0}, std::int16_t{255}));
-    }
-    return shade;
+Samples<2 * N> Twice(const Samples<N>& values) {
+    return Interleave(values, values);
 }
 
-/// Writes N pixels: R, G, B and the fourth byte, which is 0.
 template <std::size_t N>
-void PutPixels(const std::array<std::uint8_t, N>& y, const Offsets<N>& offsets, std::uint8_t* out) {
-    const std::array<std::uint8_t, N> red = Shade(y, offsets.red);
-    const std::array<std::uint8_t, N> green = Shade(y, offsets.green);
-    const std::array<std::uint8_t, N> blue = Shade(y, offsets.blue);
-    std::array<std::uint8_t, 4 * N> pixels;
-    for (std::size_t i = 0; i < N; ++i) {
-        pixels[4 * i] = red[i];
-        pixels[4 * i + 1] = green[i];
-        pixels[4 * i + 2] = blue[i];
-        pixels[4 * i + 3] = 0;
-    }
-    std::memcpy(out, pixels.data(), pixels.size());
+ColourOffsets<2 * N> Twice(const ColourOffsets<N>& offsets) {
+    return {{Twice(offsets.red.up), Twice(offsets.red.down)},
+            {Twice(offsets.green.up), Twice(offsets.green.down)},
+            {Twice(offsets.blue.up), Twice(offsets.blue.down)}};
 }
 
-inline std::array<std::uint8_t, 8> Luma(const std::uint8_t* y) {
-    std::array<std::uint8_t, 8> luma;
-    std::memcpy(luma.data(), y, 8);
-    return luma;
-}
-
-/// A row of two blocks that stand side by side.
-inline std::array<std::uint8_t, 16> LumaPair(const std::uint8_t* left) {
-    std::array<std::uint8_t, 16> luma;
-    std::memcpy(luma.data(), left, 8);
-    std::memcpy(luma.data() + 8, left + kBlock, 8);
-    return luma;
+/// Writes the first `count` of N pixels: R, G, B and the fourth byte, which is 0.
+template <std::size_t N>
+void PutPixels(const std::uint8_t* line, const ColourOffsets<N>& offsets, std::size_t count,
+               std::uint8_t* out) {
+    Samples<N> y{};
+    std::memcpy(y.data(), line, count);
+    constexpr Samples<N> kFourth{};
+    using Pairs = std::array<std::uint16_t, N>;
+    const auto redGreen =
+        std::bit_cast<Pairs>(Interleave(offsets.red.Apply(y), offsets.green.Apply(y)));
+    const auto blueFourth = std::bit_cast<Pairs>(Interleave(offsets.blue.Apply(y), kFourth));
+    const auto pixels = Interleave(redGreen, blueFourth);
+    std::memcpy(out, pixels.data(), 4 * count);
 }
 
 }  // namespace
 
-void BuildGrayPortable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t*) {
-    for (int mcu = 0; mcu < mcus; ++mcu, samples += kBlock, first += 8) {
-        std::memcpy(first, samples + 8 * p, 8);
+template <int Horizontal, int Vertical>
+void BuildColourPortable(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
+                         std::uint8_t* second) {
+    const auto total = static_cast<std::size_t>(chromaSamples);
+    Samples<kStrip> cb{};
+    Samples<kStrip> cr{};
+    for (std::size_t done = 0; done < total; done += kStrip) {
+        const std::size_t count = std::min(kStrip, total - done);
+        std::memcpy(cb.data(), lines.cb + done, count);
+        std::memcpy(cr.data(), lines.cr + done, count);
+        const auto put = [&](const auto& offsets) {
+            const std::size_t start = done * Horizontal;
+            const std::size_t pixels = count * Horizontal;
+            PutPixels(lines.y + start, offsets, pixels, first + 4 * start);
+            if constexpr (Vertical == 2) {
+                PutPixels(lines.yBelow + start, offsets, pixels, second + 4 * start);
+            }
+        };
+        if constexpr (Horizontal == 2) {
+            put(Twice(ChromaOffsets(cb, cr)));
+        } else {
+            put(ChromaOffsets(cb, cr));
+        }
     }
 }
 
-void BuildY1x1Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t*) {
-    for (int mcu = 0; mcu < mcus; ++mcu, samples += 3 * kBlock, first += 4 * 8) {
-        const std::uint8_t* line = samples + 8 * p;
-        PutPixels(Luma(line), ChromaOffsets(line + kBlock, line + 2 * kBlock), first);
-    }
-}
-
-void BuildY2x1Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t*) {
-    for (int mcu = 0; mcu < mcus; ++mcu, samples += 4 * kBlock, first += 4 * 16) {
-        const std::uint8_t* line = samples + 8 * p;
-        const auto offsets = Twice(ChromaOffsets(line + 2 * kBlock, line + 3 * kBlock));
-        PutPixels(LumaPair(line), offsets, first);
-    }
-}
-
-void BuildY1x2Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second) {
-    for (int mcu = 0; mcu < mcus; ++mcu, samples += 4 * kBlock) {
-        // The blocks of Y stand one below the other, so that p counts through both.
-        const std::uint8_t* luma = samples + 8 * p;
-        const std::uint8_t* chroma = samples + 2 * kBlock + 8 * (p / 2);
-        const auto offsets = ChromaOffsets(chroma, chroma + kBlock);
-        PutPixels(Luma(luma), offsets, first + 4 * 8 * mcu);
-        PutPixels(Luma(luma + 8), offsets, second + 4 * 8 * mcu);
-    }
-}
-
-void BuildY2x2Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second) {
-    const int upperOrLower = p < 8 ? 8 * p : 2 * static_cast<int>(kBlock) + 8 * (p - 8);
-    for (int mcu = 0; mcu < mcus; ++mcu, samples += 6 * kBlock) {
-        const std::uint8_t* luma = samples + upperOrLower;
-        const std::uint8_t* chroma = samples + 4 * kBlock + 8 * (p / 2);
-        const auto offsets = Twice(ChromaOffsets(chroma, chroma + kBlock));
-        PutPixels(LumaPair(luma), offsets, first + 4 * 16 * mcu);
-        PutPixels(LumaPair(luma + 8), offsets, second + 4 * 16 * mcu);
-    }
-}
+template void BuildColourPortable<1, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourPortable<2, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourPortable<1, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourPortable<2, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
 
 void PackGrayPortable(const std::uint8_t* row, int pixels, std::uint8_t* bgr) {
     for (int i = 0; i < pixels; ++i, bgr += 3) bgr[0] = bgr[1] = bgr[2] = row[i];

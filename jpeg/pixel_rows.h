@@ -4,19 +4,19 @@
 
 namespace marvolen {
 
-// Rows of pixels from the samples of an MCU row, and their packing, in portable code; each is the
-// reference for the kernel of "jpeg/jpeg_kernels.h" with its name.
+/// The sample lines that one output row, or a pair of rows, is built from.
+struct SampleLines {
+    const std::uint8_t* y;
+    const std::uint8_t* yBelow;  ///< the line of the second row of a pair
+    const std::uint8_t* cb;
+    const std::uint8_t* cr;
+};
 
-void BuildGrayPortable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second);
-void BuildY1x1Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second);
-void BuildY2x1Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second);
-void BuildY1x2Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second);
-void BuildY2x2Portable(const std::uint8_t* samples, int mcus, int p, std::uint8_t* first,
-                       std::uint8_t* second);
+// The portable pixel kernels; see "jpeg/jpeg_kernels.h".
+
+template <int Horizontal, int Vertical>
+void BuildColourPortable(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
+                         std::uint8_t* second);
 
 void PackGrayPortable(const std::uint8_t* row, int pixels, std::uint8_t* bgr);
 void PackColourPortable(const std::uint8_t* row, int pixels, std::uint8_t* bgr);

@@ -2,6 +2,8 @@
 
 #include "jpeg/allocation_table.h"
 
+#include <cstring>
+
 namespace marvolen {
 
 void RowOutput::Begin(const JpegFrame& frame, AllocationTable& allocations) {
@@ -15,14 +17,23 @@ void RowOutput::Begin(const JpegFrame& frame, AllocationTable& allocations) {
 const std::uint8_t* RowOutput::NextRow(const JpegFrame& frame, const McuRow& mcuRow,
                                        const JpegKernels& kernels) {
     const int p = frame.mcuHeight - rowsLeftInMcuRow;
-    const bool lowerOfPair = frame.mcuHeight == 16 && p % 2 == 1;
-    if (!lowerOfPair) {
-        const auto build = kernels.buildRows[static_cast<std::size_t>(frame.colourMode)];
-        build(mcuRow.samples, frame.mcusPerRow, p, first, second);
-    }
     --rowsLeft;
     --rowsLeftInMcuRow;
-    return lowerOfPair ? second : first;
+    const SamplePlane& luma = mcuRow.planes[0];
+    if (frame.colourMode == ColourMode::Gray) {
+        std::memcpy(first, luma.Line(p), static_cast<std::size_t>(frame.rowBytes));
+        return first;
+    }
+    const int vertical = frame.mcuHeight / 8;
+    if (p % vertical == 0) {
+        const SampleLines lines = {luma.Line(p), luma.Line(p + vertical - 1),
+                                   mcuRow.planes[1].Line(p / vertical),
+                                   mcuRow.planes[2].Line(p / vertical)};
+        const auto build = kernels.buildColour[static_cast<std::size_t>(frame.colourMode)];
+        build(lines, 8 * frame.mcusPerRow, first, second);
+        return first;
+    }
+    return second;
 }
 
 }  // namespace marvolen

@@ -1,7 +1,5 @@
 #include "net/frame_receiver.h"
 
-#include "net/channel_link.h"
-
 #include <utility>
 
 namespace marvolen {
@@ -36,10 +34,6 @@ void FrameReceiver::ClearChain() {
 
 void FrameReceiver::Forward(FramePtr frame) {
     if (next != nullptr) next->Deliver(std::move(frame));
-}
-
-void FrameReceiver::PostEvent(int code) {
-    if (link != nullptr) link->OnEvent(code);
 }
 
 }  // namespace marvolen

@@ -6,11 +6,13 @@
 
 #include <cerrno>
 #include <condition_variable>
+#include <cstdlib>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace marvolen {
@@ -404,6 +406,20 @@ TEST_F(HostNameTest, SocketMayEndWhenToldThatThereIsNoAddress) {
     names.Answer(std::nullopt);
     EXPECT_TRUE(WaitUntil([&] { return socket == nullptr; }));
     EXPECT_TRUE(ComesToRest());
+}
+
+TEST(HostNameDeathTest, StuckLookUpDoesNotDelayTheEndOfTheProgram) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto endWhileStuck = [] {
+        ReplaceHostLookup([](const std::string&) -> std::optional<Ipv4Address> {
+            for (;;) pause();
+        });
+        RecordingSocket socket;
+        socket.Create();
+        socket.Connect("stuck.example", 80);
+        std::exit(0);
+    };
+    EXPECT_EXIT(endWhileStuck(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(AsyncSocketTest, SystemKnowsLocalhost) {
