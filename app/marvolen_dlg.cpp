@@ -54,27 +54,33 @@ void CMarvolenDlg::OnInitDialog() {
 bool CMarvolenDlg::OpenChannel(int k) {
     ChannelInfo& info = g_channelInfo[static_cast<std::size_t>(k)];
     VideoPane& pane = Pane(k);
+    const std::uint32_t formerStatus = pane.GetStatus();
     pane.Close();
     if (!pane.Open(FieldText(info.netName), RateOptionRow(info.rateIndex).paneParam)) return false;
     if (FieldText(info.host).empty()) return true;
-    // A connection that can't even be started is no reason to take the other channels down.
-    channels[static_cast<std::size_t>(k)].Open(&info, &pane, this);
+    ChannelRecorder& recorder = Recorder(k);
+    if (!recorder.Open(&info, &pane, this)) return false;
+    recorder.Connect();  // a failure is the watchdog's
+    if (formerStatus & PANE_RECORDING) recorder.SetRecording(true);
     return true;
 }
 
-void CMarvolenDlg::CloseChannel(int k) {
-    channels[static_cast<std::size_t>(k)].Close();
+void CMarvolenDlg::CloseChannel(int k, CloseFlag flag) {
+    Recorder(k).Close(flag);
+    Pane(k).SetStatus(0, PANE_CONNECTED);  // a closed connection reports nothing any more
 }
 
 void CMarvolenDlg::StartAllChannels() {
+    SetTimer(kWatchdogTimer, kWatchdogMilliseconds);
     for (int k = 0; k < kChannelCount; ++k) {
-        if (!OpenChannel(k)) StopAllChannels();
+        if (!OpenChannel(k)) StopAllChannels(CloseFlag::Ended);
     }
 }
 
-void CMarvolenDlg::StopAllChannels() {
+void CMarvolenDlg::StopAllChannels(CloseFlag flag) {
+    KillTimer(kWatchdogTimer);
     for (int k = 0; k < kChannelCount; ++k) {
-        CloseChannel(k);
+        if (Recorder(k).IsOpen()) CloseChannel(k, flag);
         KillTimer(static_cast<std::uint32_t>(k));
     }
 }
@@ -129,15 +135,30 @@ void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
     if (code == NETEVENT_CONNECT) {
         Pane(k).SetStatus(PANE_CONNECTED, 0);
     } else if (code == NETEVENT_CLOSE || code == NETEVENT_ERROR) {
-        Pane(k).SetStatus(0, PANE_CONNECTED);
-        CloseChannel(k);
+        CloseChannel(k, CloseFlag::Ended);
         SetTimer(static_cast<std::uint32_t>(k), kReconnectMilliseconds);
     }
 }
 
 void CMarvolenDlg::OnTimer(std::uint32_t id) {
+    if (id == kWatchdogTimer) {
+        OnWatchdog();
+        return;
+    }
+    // A failure is left to the next watchdog tick or network event.
     KillTimer(id);
     OpenChannel(static_cast<int>(id));
+}
+
+// Every silent channel is restarted, one whose connect attempt is still pending too.
+void CMarvolenDlg::OnWatchdog() {
+    for (int k = 0; k < kChannelCount; ++k) {
+        if (Recorder(k).TakeFrameCount() != 0) continue;
+        if (FieldText(g_channelInfo[static_cast<std::size_t>(k)].host).empty()) continue;
+        CloseChannel(k, CloseFlag::Ordered);
+        OpenChannel(k);
+        KillTimer(static_cast<std::uint32_t>(k));
+    }
 }
 
 void CMarvolenDlg::resizeEvent(QResizeEvent* event) {
