@@ -84,6 +84,7 @@ private:
     void InitChunk(std::uint64_t pos, std::uint64_t prev);
     bool FlushChunk();
     bool FlushChunkUnwatched();
+    bool WriteInBlock(std::uint32_t offset, std::uint32_t n);
     bool ReadChunkHeader(ChunkHeader& destination);
     bool ReadChunk(std::uint64_t pos, ChunkBlock& destination);
     bool LoadChunk(std::uint64_t pos, std::uint32_t entry);

@@ -7,6 +7,7 @@
 #include "record/record_file.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace marvolen {
 namespace {
@@ -141,8 +142,9 @@ std::uint64_t RecordFile::RoomBeforeOwnBlock() {
 // Sees to it that length bytes can be written at the position without the newest chunk overrunning
 // its index or itself.
 bool RecordFile::MakeRoom(std::uint32_t length) {
-    if (writeChunk.header.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return false;
-    if (writeChunk.header.count == kChunkEntries) return StartChunk(Former::kLinked);
+    const ChunkHeader& newest = writeChunk.header;
+    if (newest.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return false;
+    if (newest.count == kChunkEntries) return StartChunk(Former::kLinked);
     if (length > RoomBeforeOwnBlock()) return StartChunk(Former::kGivenUp);
     return true;
 }
@@ -179,27 +181,37 @@ void RecordFile::InitChunk(std::uint64_t pos, std::uint64_t prev) {
     blockEnd = ring.End();
 }
 
+// The entries go first: until the header follows, the block in the file says what it said before,
+// and the entries it counts are still the same.
 bool RecordFile::FlushChunk() {
     if (!writeChunkDirty) return true;
-    const std::uint64_t self = writeChunk.header.self;
-    const auto beforeEnd =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(blockEnd - self, kChunkBlockSize));
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&writeChunk);
-    if (!Seek(self) || !WriteAll(bytes, beforeEnd)) return false;
-    if (beforeEnd < kChunkBlockSize &&
-        !(Seek(kRingDataStart) && WriteAll(bytes + beforeEnd, kChunkBlockSize - beforeEnd))) {
+    constexpr std::uint32_t kEntriesOffset = offsetof(ChunkBlock, entries);
+    if (!WriteInBlock(kEntriesOffset, kChunkBlockSize - kEntriesOffset) ||
+        !WriteInBlock(0, kEntriesOffset)) {
         return false;
     }
     writeChunkDirty = false;
     return true;
 }
 
-// For a block that is rewritten where it lies, which must not move the head.
+// Writes n bytes of writeChunk, from offset on, to their place in the file.
+bool RecordFile::WriteInBlock(std::uint32_t offset, std::uint32_t n) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&writeChunk) + offset;
+    const RingGeometry blockRing(blockEnd);
+    const std::uint64_t pos = blockRing.Advance(writeChunk.header.self, offset);
+    const auto beforeEnd =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(blockRing.End() - pos, n));
+    if (!Seek(pos) || !WriteAll(bytes, beforeEnd)) return false;
+    return beforeEnd == n || (Seek(kRingDataStart) && WriteAll(bytes + beforeEnd, n - beforeEnd));
+}
+
+// For a block that is rewritten where it lies: this must not move the head, nor the place to go on.
 bool RecordFile::FlushChunkUnwatched() {
+    const std::uint64_t saved = Tell();
     SetWatch(false);
     const bool flushed = FlushChunk();
     SetWatch(true);
-    return flushed;
+    return Seek(saved) && flushed;
 }
 
 void RecordFile::OnHeadReached() {
