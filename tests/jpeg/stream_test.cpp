@@ -160,13 +160,17 @@ TEST(EntropyTest, FullBlockHasNoEndOfBlock) {
 }
 
 TEST(EntropyTest, ZeroRunMayEndTheBlock) {
-    Builder stream = GrayHead(16, 8).Sos({{1}}).Dc(0);
-    stream.Bits(kOneAfter14, 8).Bits(1, 1);  // position 15: the end of the fourth diagonal
-    stream.Bits(kZrl, 8).Bits(kZrl, 8).Bits(kZrl, 8);
-    FlatBlock(stream, 0).Flush().Eoi();
     Block block{};
-    block[5] = 1;
-    ExpectBlocks(stream.Take(), block);
+    block[5] = 1;  // zigzag position 15, the end of the fifth diagonal
+    const auto putAc = [](Builder& stream) -> Builder& {
+        stream.Bits(kOneAfter14, 8).Bits(1, 1);
+        return stream.Bits(kZrl, 8).Bits(kZrl, 8).Bits(kZrl, 8);
+    };
+    Builder sequential = GrayHead(16, 8).Sos({{1}}).Dc(0);
+    ExpectBlocks(FlatBlock(putAc(sequential), 0).Flush().Eoi().Take(), block);
+    Builder progressive = GrayHead(16, 8, 0, 0xC2).Sos({{1}}, {0, 0, 0}).Dc(0).Dc(0).Flush();
+    putAc(progressive.Sos({{1}}, {1, 63, 0})).Bits(kEob, 8).Flush().Eoi();
+    ExpectBlocks(progressive.Take(), block);
 }
 
 TEST(EntropyTest, RestartMarkersCountModulo8) {
@@ -191,6 +195,21 @@ TEST(EntropyTest, RestartMarkersCountModulo8) {
             for (std::size_t i = 0; i < 20; ++i) {
                 EXPECT_EQ(decoded.picture.rgb[i * 8 * 3], 128 + i);
             }
+        }
+    }
+}
+
+TEST(EntropyTest, RestartSearchBeginsBehindTheLookAhead) {
+    // FF 00 ends the search in failure, unless a reader has already taken it for data: the fast one
+    // has read 6 bytes, the plain one 4, when the first block of 12 bits is done.
+    for (const auto& [path, lookAhead] : {std::pair{JpegPath::Fast, 6}, {JpegPath::Plain, 4}}) {
+        for (int position = 2; position <= 7; ++position) {
+            Builder stream = GrayHead(16, 8, 1);
+            FlatBlock(stream.Sos({{1}}), 0).Flush();
+            stream.Raw(Bytes(static_cast<std::size_t>(position - 2))).Raw({0xFF, 0x00});
+            FlatBlock(stream.Marker(0xD0), 0).Flush().Eoi();
+            EXPECT_EQ(Decode(stream.Take(), path).error, position < lookAhead ? 0 : -228)
+                << position;
         }
     }
 }

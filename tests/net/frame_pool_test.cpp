@@ -1,5 +1,6 @@
 #include "net/frame_pool.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>

@@ -2,6 +2,7 @@
 
 #include "net/frame_pool.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <optional>
 #include <random>

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace {
 std::atomic<std::size_t> g_allocations = 0;

@@ -1,10 +1,10 @@
 // The camera_server program: serves until it is told to end.
 
 #include "config/settings_file.h"
+#include "platform/descriptor.h"
 #include "tools/camera_server/camera_server.h"
 #include "tools/camera_server/command_line.h"
 #include "tools/camera_server/control.h"
-#include "tools/camera_server/file_descriptor.h"
 #include "tools/camera_server/folder_pictures.h"
 #include "tools/camera_server/scenes/painted_pictures.h"
 #include "tools/camera_server/settings_writer.h"
@@ -39,18 +39,18 @@ int Fail(const std::string& text) {
 }
 
 // Blocks SIGTERM and SIGINT in this thread and those it starts, and makes them readable instead.
-FileDescriptor CatchSignals() {
+Descriptor CatchSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
+    return Descriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
 // Carries out commands until one of them, or a signal, says to end. Without standard input only a
 // signal does.
-void RunUntilTold(CameraServer& server, int channelCount, const FileDescriptor& signals) {
+void RunUntilTold(CameraServer& server, int channelCount, const Descriptor& signals) {
     pollfd polls[2] = {{signals.Get(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
     std::string pending;
     for (;;) {
@@ -86,7 +86,7 @@ std::shared_ptr<PictureSource> MakePictures(const CommandLine& commandLine) {
 }
 
 int Serve(CommandLine& commandLine) {
-    const FileDescriptor signals = CatchSignals();
+    const Descriptor signals = CatchSignals();
     const int channelCount = commandLine.server.channelCount;
     const auto pictures = MakePictures(commandLine);
     if (!pictures) return Fail("no JPEG files in " + commandLine.folder);
