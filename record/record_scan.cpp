@@ -23,6 +23,7 @@ bool RecordScan::Open(const std::string& path) {
 void RecordScan::Rewind() {
     nextPosition = header.head;
     nextOffset = 0;
+    leadsForwards = true;
 }
 
 RecordScan::Step RecordScan::Broken(const char* reason) {
@@ -34,19 +35,19 @@ RecordScan::Step RecordScan::Broken(const char* reason) {
 RecordScan::Step RecordScan::Next(std::uint64_t& position, ChunkBlock& block) {
     if (!isRing || nextPosition == 0) return Step::kEnd;
     position = nextPosition;
-    if (nextOffset + kChunkBlockSize > ring.Size()) return Broken("chain runs on into its head");
+    if (!ring.Holds(position)) return Broken("a link leads here, out of the file");
+    if (!leadsForwards) return Broken("a link leads back here");
+    if (nextOffset + kChunkBlockSize > ring.Size()) return Broken("no room for an index block");
     if (!ReadAt(position, &block, sizeof block)) return Broken("index block can't be read");
     if (block.header.magic != kChunkMagic) return Broken("no index block here");
 
+    // A bad link is told about when it is followed: the chunk that holds it is fine otherwise.
     nextPosition = block.header.next;
-    if (nextPosition == 0) return Step::kChunk;
-    if (!ring.Holds(nextPosition)) {
-        // The chunk itself is fine; its successor is met, and refused, by the next call.
-        nextOffset = ring.Size();
-        return Step::kChunk;
+    if (ring.Holds(nextPosition)) {
+        const std::uint64_t step = ring.Distance(position, nextPosition);
+        leadsForwards = step >= kChunkBlockSize && step < ring.Size() - nextOffset;
+        nextOffset += step;
     }
-    const std::uint64_t step = ring.Distance(position, nextPosition);
-    nextOffset = step < kChunkBlockSize ? ring.Size() : nextOffset + step;
     return Step::kChunk;
 }
 

@@ -53,6 +53,7 @@ private:
 
     std::uint64_t nextPosition = 0;  // 0: the chain has ended
     std::uint64_t nextOffset = 0;    // from the head, forwards
+    bool leadsForwards = true;       // the link to nextPosition
     std::string why;
 };
 
