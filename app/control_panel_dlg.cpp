@@ -187,7 +187,7 @@ QGroupBox* CControlPanelDlg::MakePageGroup() {
     return group;
 }
 
-void CControlPanelDlg::OnInitDialog() {
+void CControlPanelDlg::LoadPageIcons() {
     nextPage->setIcon(LoadIcon(IDI_NEXT_PAGE));
     previousPage->setIcon(LoadIcon(IDI_PREVIOUS_PAGE));
 }

@@ -38,6 +38,9 @@ public:
     // A child of the main window, which receives its commands.
     explicit CControlPanelDlg(CDialog* mainWindow);
 
+    // Puts the arrows on "P" and "N".
+    void LoadPageIcons();
+
     // The view whose button is checked.
     ViewMode GetViewMode() const;
 
@@ -60,7 +63,6 @@ public:
     QSize PanelSize(int maxHeight) const;
 
 protected:
-    void OnInitDialog() override;
     void OnCommand(WPARAM wParam, LPARAM lParam) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void enterEvent(QEnterEvent* event) override;

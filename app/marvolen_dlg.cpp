@@ -1,27 +1,26 @@
 #include "app/marvolen_dlg.h"
 
 #include "app/about_dlg.h"
+#include "app/log_export.h"
 #include "app/pane_layout.h"
-#include "config/channel_options.h"
-#include "platform/text_field.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
 
-#include <QResizeEvent>
+#include <QKeyEvent>
+#include <QScreen>
 
 namespace marvolen {
 namespace {
 
-constexpr QSize kInitialSize(1024, 720);
-constexpr QSize kSmallestSize(320, 240);
+constexpr QSize kTemplateUnits(618, 437);  // dialog units
+constexpr QSize kFrameAllowance(16, 48);   // what a window's frame takes of the screen
 
 }  // namespace
 
 CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
     setWindowTitle(QStringLiteral("Marvolen"));
     setWindowFlags(Qt::Window);
-    setMinimumSize(kSmallestSize);
-    resize(kInitialSize);
+    setMouseTracking(true);
     AddControl(paneFrame, IDC_PANE_FRAME, QString());
     paneFrame->hide();
     for (int k = 0; k < kChannelCount; ++k) {
@@ -33,118 +32,193 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
 }
 
 CMarvolenDlg::~CMarvolenDlg() {
-    StopAllChannels();
+    StopAllChannels(CloseFlag::Ordered);
 }
 
 void CMarvolenDlg::OnInitDialog() {
+    CDialog::OnInitDialog();
     const QString about = LoadString(IDS_ABOUT_MENU);
     if (!about.isEmpty()) {
         AppendSystemMenuSeparator();
         AppendSystemMenu(SC_ABOUT, about);
     }
     setWindowIcon(LoadIcon(IDR_MAIN_ICON));
+    controlPanel = new CControlPanelDlg(this);
+    controlPanel->CreateModeless();
+    const QSize available = screen()->availableSize() - kFrameAllowance;
+    resize(MapDialogUnits(kTemplateUnits).boundedTo(available));
+    FitPanel();
     LayoutPanel();
-    Layout16();
+    messageLog.emplace(controlPanel->MessageList());
+    controlPanel->LoadPageIcons();
+    controlPanel->CheckViewButton(ViewMode::Sixteen);
+    ChooseView(ViewMode::Sixteen);
     StartAllChannels();
     currentChannel = 0;
     SelectPane(Pane(0));
     for (VideoPane* pane : panes) pane->CreatePopup();
 }
 
-bool CMarvolenDlg::OpenChannel(int k) {
-    ChannelInfo& info = g_channelInfo[static_cast<std::size_t>(k)];
-    VideoPane& pane = Pane(k);
-    pane.Close();
-    if (!pane.Open(FieldText(info.netName), RateOptionRow(info.rateIndex).paneParam)) return false;
-    if (FieldText(info.host).empty()) return true;
-    // A connection that can't even be started is no reason to take the other channels down.
-    channels[static_cast<std::size_t>(k)].Open(&info, &pane, this);
-    return true;
+void CMarvolenDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
+    const int id = CommandId(wParam);
+    const int pane = id - IDC_FIRST_PANE;
+    if (pane >= 0 && pane < kChannelCount) {
+        if (CommandCode(wParam) == STN_CLICKED) SelectPane(Pane(pane));
+    } else if (CommandCode(wParam) == BN_CLICKED) {
+        OnPanelCommand(id);
+    }
+    CDialog::OnCommand(wParam, lParam);
 }
 
-void CMarvolenDlg::CloseChannel(int k) {
-    channels[static_cast<std::size_t>(k)].Close();
-}
-
-void CMarvolenDlg::StartAllChannels() {
-    for (int k = 0; k < kChannelCount; ++k) {
-        if (!OpenChannel(k)) StopAllChannels();
+void CMarvolenDlg::OnPanelCommand(int id) {
+    switch (id) {
+        case IDC_RECORD_TOGGLE:
+            return ToggleRecording();
+        case IDC_STOP_ALL:
+            return SetAllRecording(false);
+        case IDC_START_ALL:
+            return SetAllRecording(true);
+        case IDC_LOGO:
+            return ShowAbout();
+        case IDC_LOG_CLEAN:
+            return messageLog->Clean();
+        case IDC_LOG_SAVE:
+            return SaveLogAs(this, messageLog->List());
+        case IDC_PREVIOUS_PAGE:
+            return TurnPage(-1);
+        case IDC_NEXT_PAGE:
+            return TurnPage(+1);
+        case IDC_VIEW_1:
+            return ChooseView(ViewMode::One);
+        case IDC_VIEW_4:
+            return ChooseView(ViewMode::Four);
+        case IDC_VIEW_16:
+            return ChooseView(ViewMode::Sixteen);
+        case IDC_ENABLE_POPUP:
+            if (controlPanel->IsPopupEnabled()) return;
+            // Nothing would hide it any more.
+            for (VideoPane* pane : panes) pane->HidePopup();
+            popupPane = -1;
+            return;
+        case IDC_EXIT:
+            return EndDialog(IDOK);
+        default:
+            return;
     }
 }
 
-void CMarvolenDlg::StopAllChannels() {
-    for (int k = 0; k < kChannelCount; ++k) {
-        CloseChannel(k);
-        KillTimer(static_cast<std::uint32_t>(k));
+void CMarvolenDlg::OnSysCommand(int command) {
+    if (command == SC_ABOUT) ShowAbout();
+}
+
+void CMarvolenDlg::ShowAbout() {
+    CAboutDlg(this).DoModal();
+}
+
+void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_NETEVENT:
+            return OnNetEvent(static_cast<int>(wParam),
+                              *reinterpret_cast<const ChannelInfo*>(lParam));
+        case WM_POPUPPANE:
+            return OnPopupPane(static_cast<int>(wParam));
+        default:
+            return CDialog::OnMessage(message, wParam, lParam);
     }
+}
+
+void CMarvolenDlg::OnPopupPane(int pane) {
+    if (!controlPanel->IsPopupEnabled() || pane == popupPane) return;
+    popupPane = pane;
+    for (VideoPane* each : panes) {
+        if (each->index != pane) each->HidePopup();
+    }
+    if (pane >= 0 && pane < kChannelCount) Pane(pane).ShowPopup();
 }
 
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
+    controlPanel->ShowRecording((pane.GetStatus() & PANE_RECORDING) != 0);
+    // The selected pane alone is a stop of the Tab key; the arrow keys lead to the others.
+    for (VideoPane* each : panes) {
+        each->setFocusPolicy(each == &pane ? Qt::StrongFocus : Qt::ClickFocus);
+    }
     pane.setFocus();
-    pane.SetStatus(PANE_SELECTED, 0);  // the focus comes later while the window isn't shown yet
+    pane.SetStatus(PANE_SELECTED, 0);  // the focus comes later while the window isn't active
     currentChannel = pane.index;
     for (VideoPane* other : panes) {
         if (other != &pane) other->SetStatus(0, PANE_SELECTED);
     }
 }
 
-void CMarvolenDlg::LayoutPanel() {
-    paneFrame->setGeometry(rect());
+void CMarvolenDlg::ToggleRecording() {
+    const bool on = (Pane(currentChannel).GetStatus() & PANE_RECORDING) == 0;
+    controlPanel->ShowRecording(on);
+    SetRecording(currentChannel, on);
 }
 
-void CMarvolenDlg::Layout16() {
-    const QRect frame = paneFrame->geometry();
-    const PaneRect area{frame.left(), frame.top(), frame.width(), frame.height()};
-    for (VideoPane* pane : panes) {
-        const PaneRect cell = PaneRectOf16(area, pane->index);
-        pane->setGeometry(cell.left, cell.top, cell.width, cell.height);
-        pane->show();
+void CMarvolenDlg::SetAllRecording(bool on) {
+    controlPanel->ShowRecording(on);
+    for (int k = 0; k < kChannelCount; ++k) SetRecording(k, on);
+}
+
+void CMarvolenDlg::SetRecording(int k, bool on) {
+    Recorder(k).SetRecording(on);
+    Pane(k).SetStatus(on ? PANE_RECORDING : 0, on ? 0 : PANE_RECORDING);
+}
+
+void CMarvolenDlg::ChooseView(ViewMode view) {
+    paging = PagingOf(view, currentChannel);
+    UpdatePaging();
+    LayoutView();
+    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);  // its pane may be hidden now
+}
+
+void CMarvolenDlg::TurnPage(int step) {
+    paging.currentPage += step;
+    UpdatePaging();
+    if (GetViewMode() == ViewMode::Sixteen) return;
+    LayoutView();
+    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+}
+
+void CMarvolenDlg::UpdatePaging() {
+    paging.Clamp();
+    controlPanel->ShowPaging(paging);
+}
+
+void CMarvolenDlg::mouseMoveEvent(QMouseEvent* event) {
+    CDialog::mouseMoveEvent(event);
+    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+}
+
+void CMarvolenDlg::leaveEvent(QEvent* event) {
+    CDialog::leaveEvent(event);
+    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+}
+
+void CMarvolenDlg::keyPressEvent(QKeyEvent* event) {
+    int neighbour = -1;
+    switch (event->key()) {
+        case Qt::Key_Left:
+            neighbour = NeighbourPane(GetViewMode(), currentChannel, -1, 0);
+            break;
+        case Qt::Key_Right:
+            neighbour = NeighbourPane(GetViewMode(), currentChannel, +1, 0);
+            break;
+        case Qt::Key_Up:
+            neighbour = NeighbourPane(GetViewMode(), currentChannel, 0, -1);
+            break;
+        case Qt::Key_Down:
+            neighbour = NeighbourPane(GetViewMode(), currentChannel, 0, +1);
+            break;
+        case Qt::Key_PageUp:
+            return TurnPage(-1);
+        case Qt::Key_PageDown:
+            return TurnPage(+1);
+        default:
+            return CDialog::keyPressEvent(event);
     }
-}
-
-void CMarvolenDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
-    const int pane = CommandId(wParam) - IDC_FIRST_PANE;
-    if (pane >= 0 && pane < kChannelCount) {
-        if (CommandCode(wParam) == STN_CLICKED) SelectPane(Pane(pane));
-        return;
-    }
-    CDialog::OnCommand(wParam, lParam);
-}
-
-void CMarvolenDlg::OnSysCommand(int command) {
-    if (command == SC_ABOUT) CAboutDlg(this).DoModal();
-}
-
-void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NETEVENT) {
-        OnNetEvent(static_cast<int>(wParam), *reinterpret_cast<const ChannelInfo*>(lParam));
-    } else {
-        CDialog::OnMessage(message, wParam, lParam);
-    }
-}
-
-void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
-    // By position, not by the stored channelIndex, which a damaged settings file may have spoilt.
-    const int k = ChannelNumber(&info) - 1;
-    if (code == NETEVENT_CONNECT) {
-        Pane(k).SetStatus(PANE_CONNECTED, 0);
-    } else if (code == NETEVENT_CLOSE || code == NETEVENT_ERROR) {
-        Pane(k).SetStatus(0, PANE_CONNECTED);
-        CloseChannel(k);
-        SetTimer(static_cast<std::uint32_t>(k), kReconnectMilliseconds);
-    }
-}
-
-void CMarvolenDlg::OnTimer(std::uint32_t id) {
-    KillTimer(id);
-    OpenChannel(static_cast<int>(id));
-}
-
-void CMarvolenDlg::resizeEvent(QResizeEvent* event) {
-    CDialog::resizeEvent(event);
-    if (isMinimized()) return;
-    LayoutPanel();
-    Layout16();
+    if (neighbour >= 0 && Pane(neighbour).isVisible()) SelectPane(Pane(neighbour));
 }
 
 }  // namespace marvolen

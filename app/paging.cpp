@@ -4,7 +4,9 @@
 
 namespace marvolen {
 
-void Paging::Clamp() { currentPage = std::clamp(currentPage, 1, std::max(pageCount, 1)); }
+void Paging::Clamp() {
+    currentPage = std::clamp(currentPage, 1, std::max(pageCount, 1));
+}
 
 std::string Paging::Text() const {
     return std::to_string(currentPage) + "/" + std::to_string(pageCount);

@@ -4,6 +4,8 @@
 // device-independent pixels; divisions truncate, so a few pixels at the right and bottom edge may
 // stay free.
 
+#include "app/paging.h"
+
 namespace marvolen {
 
 struct PaneRect {
@@ -23,6 +25,9 @@ PaneRect PaneRectOf4(const PaneRect& area, int pane);
 
 // The first of the four panes that page p (1..4) of view 4 shows.
 int FirstPaneOfPage(int page);
+
+// The pane beside pane k in a view, by columns (-1, 0, 1) and rows; -1 where the view's page ends.
+int NeighbourPane(ViewMode view, int pane, int columns, int rows);
 
 // Where a panel of this width stands in a window of this width: at the right edge.
 int PanelLeft(int windowWidth, int panelWidth);

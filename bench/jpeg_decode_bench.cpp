@@ -113,7 +113,9 @@ int main(int argc, char** argv) {
         const auto add = [&](const char* decoder,
                              void (*decode)(benchmark::State&, const Sample&)) {
             benchmark::RegisterBenchmark((decoder + sample.name).c_str(), decode, sample)
-                ->Unit(benchmark::kMicrosecond);
+                ->Unit(benchmark::kMicrosecond)
+                ->MinTime(0.2)
+                ->Repetitions(3);
         };
         add("Marvolen/", DecodeOurs);
         add("Turbo/", DecodeTurbo);

@@ -44,10 +44,9 @@ void JpegInput::Unread(int count) {
 std::uint8_t JpegInput::ReadEntropy() {
     const std::uint8_t byte = ReadRaw();
     if (byte != 0xFF || inventedBytes != 0) return byte;
-    // A real FF at the very end of the data is treated as the marker it can't be told from: it
-    // stays unread and every further read returns FF.
-    const std::uint8_t second = ReadRaw();
-    if (inventedBytes != 0 || second != 0) Unread(2);
+    // Anything but a stuffed zero makes it a marker, which stays unread. So does a real FF at the
+    // very end of the data: an invented byte is never 0.
+    if (ReadRaw() != 0) Unread(2);
     return 0xFF;
 }
 

@@ -81,14 +81,14 @@ private:
     std::uint64_t ReadEntropy48Slow();
     void Fill();
 
+    /// The push-back area, the buffer and its tail.
+    std::array<std::uint8_t, kEdgeBytes + kBufferBytes + kEdgeBytes> storage{};
     JpegSource* source = nullptr;
     const std::uint8_t* readPointer = storage.data() + kEdgeBytes;
     std::int32_t bytesAvailable = 0;
     bool endOfInput = false;
     /// Bytes invented so far; its lowest bit alternates between FF (0) and D9 (1).
     std::uint64_t inventedBytes = 0;
-    /// The push-back area, the buffer and its tail.
-    std::array<std::uint8_t, kEdgeBytes + kBufferBytes + kEdgeBytes> storage{};
 };
 
 }  // namespace marvolen

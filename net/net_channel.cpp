@@ -3,6 +3,7 @@
 #include "net/stream_source.h"
 
 #include <new>
+#include <utility>
 
 namespace marvolen {
 

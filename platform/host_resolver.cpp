@@ -124,23 +124,23 @@ std::unique_ptr<HostRequest> HostRequest::Start(std::string_view name, Callback 
         new HostRequest(std::move(wake), name, std::move(resolved)));
 }
 
-HostRequest::HostRequest(Descriptor wakeDescriptor, std::string_view name, Callback resolved)
-    : jobs(Jobs::OfProgram()),
+HostRequest::HostRequest(Descriptor wakeEvent, std::string_view name, Callback resolved)
+    : allJobs(Jobs::OfProgram()),
       callback(std::move(resolved)),
-      wake(std::move(wakeDescriptor)),
-      job(jobs->Join(std::string(name), wake.Get())),
-      watch(std::make_unique<DescriptorWatch>(wake.Get(), DescriptorWatch::Readiness::Read,
+      doneEvent(std::move(wakeEvent)),
+      awaited(allJobs->Join(std::string(name), doneEvent.Get())),
+      watch(std::make_unique<DescriptorWatch>(doneEvent.Get(), DescriptorWatch::Readiness::Read,
                                               [this] { OnWake(); })) {}
 
 HostRequest::~HostRequest() {
     watch.reset();
-    jobs->Leave(*job, wake.Get());
+    allJobs->Leave(*awaited, doneEvent.Get());
 }
 
 void HostRequest::OnWake() {
     watch->Disable();
     const Callback resolved = std::move(callback);
-    resolved(jobs->Result(*job));  // may have destroyed this request
+    resolved(allJobs->Result(*awaited));  // may have destroyed this request
 }
 
 }  // namespace marvolen

@@ -53,14 +53,14 @@ private:
     struct Job;
     class Jobs;
 
-    HostRequest(Descriptor wakeDescriptor, std::string_view name, Callback resolved);
+    HostRequest(Descriptor wakeEvent, std::string_view name, Callback resolved);
     void OnWake();
 
-    const std::shared_ptr<Jobs> jobs;
+    const std::shared_ptr<Jobs> allJobs;
     Callback callback;
-    Descriptor wake;  // an eventfd, readable once the job is done
-    std::shared_ptr<Job> job;
-    std::unique_ptr<DescriptorWatch> watch;  // on wake
+    Descriptor doneEvent;  // an eventfd, readable once the job is done
+    const std::shared_ptr<Job> awaited;
+    std::unique_ptr<DescriptorWatch> watch;  // on doneEvent
 };
 
 }  // namespace marvolen

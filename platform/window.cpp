@@ -17,12 +17,15 @@ class CWnd::Receiver final : public QObject {
 public:
     explicit Receiver(CWnd& target) : window(target) {}
 
+    // The announcement is made before the lock is taken, and read after it is taken, so that it is
+    // known to be complete even where the toolkit's own locking isn't seen (ThreadSanitizer).
     void Post(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
+        auto announcement = std::make_unique<QEvent>(QEvent::User);
         {
             const std::lock_guard guard(mutex);
             queue.push_back({message, wParam, lParam});
         }
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        QCoreApplication::postEvent(this, announcement.release());
     }
 
     void Set(std::uint32_t id, std::uint32_t milliseconds) {
@@ -39,13 +42,17 @@ public:
 
 protected:
     bool event(QEvent* event) override {
-        if (event->type() != QEvent::User) return QObject::event(event);
         Message next;
+        bool announced;
         {
             const std::lock_guard guard(mutex);
-            next = queue.front();
-            queue.pop_front();
+            announced = event->type() == QEvent::User;
+            if (announced) {
+                next = queue.front();
+                queue.pop_front();
+            }
         }
+        if (!announced) return QObject::event(event);
         window.OnMessage(next.message, next.wParam, next.lParam);
         return true;
     }

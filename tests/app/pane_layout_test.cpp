@@ -31,6 +31,17 @@ TEST(PaneLayout, DivisionsTruncate) {
     EXPECT_EQ(PaneRectOf16({0, 0, 3, 3}, 15), (PaneRect{0, 0, 0, 0}));
 }
 
+TEST(PaneLayout, NeighboursEndWithThePage) {
+    EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 5, 1, 0), 6);
+    EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 5, 0, -1), 1);
+    EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 7, 1, 0), -1);
+    EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 12, 0, 1), -1);
+    EXPECT_EQ(NeighbourPane(ViewMode::Four, 9, 0, 1), 11);
+    EXPECT_EQ(NeighbourPane(ViewMode::Four, 9, 1, 0), -1);
+    EXPECT_EQ(NeighbourPane(ViewMode::Four, 8, 0, -1), -1);
+    EXPECT_EQ(NeighbourPane(ViewMode::One, 5, 1, 0), -1);
+}
+
 TEST(Paging, AViewBeginsWithThePageOfTheSelectedChannel) {
     EXPECT_EQ(PagingOf(ViewMode::Sixteen, 9), (Paging{1, 1}));
     EXPECT_EQ(PagingOf(ViewMode::Four, 9), (Paging{4, 3}));

@@ -99,7 +99,8 @@ private:
     Bytes received;
 };
 
-// Releases a decoder from another thread while this one runs an operation that waits for it.
+// Releases a decoder from another thread while this one runs an operation that waits for it (or
+// shortly before).
 template <typename Operation>
 void RunWhileReleasing(GatedDecoder& decoder, Operation operation) {
     std::thread releaser([&decoder] { decoder.Release(); });

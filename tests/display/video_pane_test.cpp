@@ -2,7 +2,6 @@
 
 #include "display/video_pane.h"
 
-#include "tests/display/allocation_counter.h"
 #include "tests/display/pane_fixture.h"
 
 namespace marvolen {
@@ -129,23 +128,6 @@ TEST_F(VideoPaneTest, PostsMouseMovesOverItselfToItsParentOnly) {
     const std::vector<RecordingDialog::Message> expected{{WM_POPUPPANE, 2, 0}};
     EXPECT_EQ(dialog->messages, expected);
     EXPECT_EQ(dialog->mouseMoves, 0);
-}
-
-TEST_F(VideoPaneTest, DeliveringAllocatesNothingOnTheInterfaceThread) {
-    Deliver(red, &kQuarterPast);
-    std::uint64_t allocations = 0;
-    for (int k = 0; k < 10000; ++k) {
-        FramePtr frame = pool.Acquire();
-        std::copy(red.begin(), red.end(), frame->Data());
-        frame->SetLength(static_cast<std::uint32_t>(red.size()));
-        frame->SetTime(kQuarterPast);
-        const std::uint64_t before = AllocationsOfThisThread();
-        pane->Deliver(std::move(frame));
-        allocations += AllocationsOfThisThread() - before;
-        if (k % 100 == 0) QCoreApplication::processEvents();
-    }
-    EXPECT_EQ(allocations, 0U);
-    EXPECT_EQ(behind.frames, 10001);
 }
 
 TEST_F(VideoPaneTest, SurvivesChangesWhileStreaming) {

@@ -49,6 +49,7 @@ Bytes EncodeJpeg(const Picture& picture, const EncodeOptions& options) {
     jpeg_error_mgr errors{};
     jpeg_compress_struct info{};
     info.err = jpeg_std_error(&errors);
+    errors.emit_message = [](j_common_ptr, int) {};  // 16-bit tables are meant
     jpeg_create_compress(&info);
     unsigned char* memory = nullptr;
     unsigned long size = 0;
@@ -124,6 +125,7 @@ Picture DecodeWithLibjpeg(const Bytes& jpeg, bool fastDct) {
     jpeg_decompress_struct& info = decompressor.info;
     info.dct_method = fastDct ? JDCT_IFAST : JDCT_ISLOW;
     info.do_fancy_upsampling = FALSE;
+    info.do_block_smoothing = FALSE;
     info.out_color_space = JCS_RGB;
     jpeg_start_decompress(&info);
     Picture picture{static_cast<int>(info.output_width), static_cast<int>(info.output_height), {}};

@@ -48,10 +48,13 @@ public:
         return received;
     }
 
-    // Whether the other end is found to have closed the connection, nothing more having come.
+    // Whether the other end closes the connection; what it sent before is dropped.
     bool IsEnded() {
-        char byte = 0;
-        return WaitReadable() && recv(connection.Get(), &byte, 1, 0) <= 0;
+        char buffer[4096];
+        while (WaitReadable()) {
+            if (recv(connection.Get(), buffer, sizeof buffer, 0) <= 0) return true;
+        }
+        return false;
     }
 
     void Close() { connection.Close(); }

@@ -10,8 +10,8 @@ namespace marvolen {
 namespace {
 
 // A bound socket that doesn't listen; none when that fails. port receives the port it got.
-FileDescriptor BindSocket(in_addr address, std::uint16_t& port) {
-    FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+Descriptor BindSocket(in_addr address, std::uint16_t& port) {
+    Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     const int on = 1;
     ::setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     sockaddr_in name{};
@@ -33,7 +33,7 @@ bool CameraListener::Reserve(const std::string& address, std::uint16_t wantedPor
     in_addr parsed{};
     if (::inet_pton(AF_INET, address.c_str(), &parsed) != 1) return false;
     port = wantedPort;
-    FileDescriptor chosen = BindSocket(parsed, port);
+    Descriptor chosen = BindSocket(parsed, port);
     // The kernel lets a port of its own choice go when listening ends, one asked for by number
     // stays: bind to the chosen one by number while it is held.
     if (wantedPort == 0 && chosen.IsOpen()) {
@@ -54,15 +54,15 @@ bool CameraListener::SetListening(bool listen) {
 }
 
 void CameraListener::Close() {
-    socket = FileDescriptor();
+    socket.Close();
     listening = false;
 }
 
-FileDescriptor CameraListener::Accept(std::string& peer) {
+Descriptor CameraListener::Accept(std::string& peer) {
     sockaddr_in name{};
     socklen_t length = sizeof name;
-    FileDescriptor connection(::accept4(socket.Get(), reinterpret_cast<sockaddr*>(&name), &length,
-                                        SOCK_NONBLOCK | SOCK_CLOEXEC));
+    Descriptor connection(::accept4(socket.Get(), reinterpret_cast<sockaddr*>(&name), &length,
+                                    SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!connection.IsOpen()) return connection;
     // The closing boundary of a picture must not wait for an acknowledgement.
     const int on = 1;

@@ -2,7 +2,7 @@
 
 // A channel's port. It is taken once and stays the channel's, whether anybody listens or not.
 
-#include "tools/camera_server/file_descriptor.h"
+#include "platform/descriptor.h"
 
 #include <cstdint>
 #include <string>
@@ -21,16 +21,16 @@ public:
 
     // The next waiting connection, non-blocking, with its peer as "address:port"; none when nobody
     // waits.
-    FileDescriptor Accept(std::string& peer);
+    Descriptor Accept(std::string& peer);
 
     // Gives the socket up; Port() stays readable.
     void Close();
 
-    int Descriptor() const { return socket.Get(); }
+    int Handle() const { return socket.Get(); }
     std::uint16_t Port() const { return port; }
 
 private:
-    FileDescriptor socket;
+    Descriptor socket;
     std::uint16_t port = 0;
     bool listening = false;
 };

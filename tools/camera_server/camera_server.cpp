@@ -70,7 +70,7 @@ private:
 
     bool stopping = false;  // guarded by lock
     std::uint64_t lastSession = 0;
-    FileDescriptor wakeEvent;
+    Descriptor wakeEvent;
     std::thread thread;
 };
 
@@ -115,7 +115,7 @@ bool CameraServer::Impl::Start() {
     bool ok = OptionsMakeSense();
     const TimePoint now = std::chrono::steady_clock::now();
     for (int i = 0; ok && i < options.channelCount; ++i) ok = OpenChannel(i, now);
-    wakeEvent = FileDescriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+    wakeEvent = Descriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
     if (!ok || !wakeEvent.IsOpen()) {
         channels.clear();
         listeners.clear();
@@ -228,12 +228,12 @@ void CameraServer::Impl::Prepare(std::vector<pollfd>& polls,
     polls.assign(1, {wakeEvent.Get(), POLLIN, 0});
     for (const CameraListener& listener : listeners) {
         // poll() leaves negative descriptors alone.
-        polls.push_back({listener.IsListening() ? listener.Descriptor() : -1, POLLIN, 0});
+        polls.push_back({listener.IsListening() ? listener.Handle() : -1, POLLIN, 0});
     }
     ids.clear();
     for (const CameraSession& session : sessions) {
         const int events = POLLIN | (session.WantsWritable() ? POLLOUT : 0);
-        polls.push_back({session.Descriptor(), static_cast<short>(events), 0});
+        polls.push_back({session.Handle(), static_cast<short>(events), 0});
         ids.push_back(session.Id());
     }
 }
@@ -265,7 +265,7 @@ void CameraServer::Impl::Dispatch(const std::vector<pollfd>& polls,
 void CameraServer::Impl::AcceptAll(std::size_t index) {
     std::string peer;
     while (listeners[index].IsListening()) {
-        FileDescriptor socket = listeners[index].Accept(peer);
+        Descriptor socket = listeners[index].Accept(peer);
         if (!socket.IsOpen()) return;
         if (options.sendBufferBytes > 0) {
             ::setsockopt(socket.Get(), SOL_SOCKET, SO_SNDBUF, &options.sendBufferBytes,

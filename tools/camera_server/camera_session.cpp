@@ -34,7 +34,7 @@ std::string Printable(std::string text) {
 
 }  // namespace
 
-CameraSession::CameraSession(FileDescriptor connectedSocket, std::uint64_t sessionId,
+CameraSession::CameraSession(Descriptor connectedSocket, std::uint64_t sessionId,
                              std::string peerName, CameraChannel& cameraChannel, TimePoint now)
     : id(sessionId),
       peer(std::move(peerName)),

@@ -4,10 +4,10 @@
 // misbehaves as the channel's fault says. Owns its socket but waits for nothing; the server calls
 // it when the socket is ready or its time has come.
 
+#include "platform/descriptor.h"
 #include "tools/camera_server/camera_answer.h"
 #include "tools/camera_server/camera_channel.h"
 #include "tools/camera_server/camera_request.h"
-#include "tools/camera_server/file_descriptor.h"
 
 #include <cstdint>
 #include <string>
@@ -17,11 +17,11 @@ namespace marvolen {
 class CameraSession {
 public:
     // channel must outlive the session. socket is connected and non-blocking.
-    CameraSession(FileDescriptor socket, std::uint64_t id, std::string peer, CameraChannel& channel,
+    CameraSession(Descriptor socket, std::uint64_t id, std::string peer, CameraChannel& channel,
                   TimePoint now);
 
     std::uint64_t Id() const { return id; }
-    int Descriptor() const { return socket.Get(); }
+    int Handle() const { return socket.Get(); }
     const CameraChannel& Channel() const { return channel; }
     const std::string& Peer() const { return peer; }
 
@@ -67,7 +67,7 @@ private:
 
     const std::uint64_t id;
     const std::string peer;
-    FileDescriptor socket;
+    Descriptor socket;
     CameraChannel& channel;
 
     Phase phase = Phase::Request;

@@ -1,0 +1,83 @@
+#pragma once
+
+// FileHandle: one open regular file, with a position of its own, 64-bit throughout.
+//
+// A file opened with Create or Open is held exclusively: as long as it is open every further
+// Create, Open and OpenShared of the same file fails, in other programs and in this one, under
+// whatever name the file is reached. The hold is an advisory lock (flock) on the file itself;
+// programs that don't ask for it aren't kept out. It ends with Close, and with the process however
+// that ends.
+//
+// Directories, devices, pipes and sockets are never opened, and no open waits for anything.
+//
+// A handle is used by one thread at a time. Nothing throws.
+
+#include <cstdint>
+#include <string>
+
+namespace marvolen {
+
+// Why an open failed.
+enum class FileOpenError {
+    kNone,         // it didn't
+    kMissing,      // no such file or folder
+    kInUse,        // held by another handle
+    kNotAFile,     // a directory, device, pipe or socket
+    kInaccessible  // anything else: permission, a full disk, a bad path
+};
+
+class FileHandle {
+public:
+    FileHandle() = default;
+    ~FileHandle() { Close(); }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+
+    // Each opens the file at a native path and sets the position to 0; what this handle held before
+    // is closed first. False leaves the handle closed; OpenError() says why.
+    //
+    // Create makes the file, or empties an existing one. A file held elsewhere keeps its bytes: it
+    // is emptied only once it is held.
+    bool Create(const std::string& path);
+    // Open opens an existing file for reading and writing.
+    bool Open(const std::string& path);
+    // OpenShared opens an existing file for reading only. Several may do so at once; while one of
+    // them has it, nobody gets it exclusively.
+    bool OpenShared(const std::string& path);
+
+    // Ends the hold. Closing a closed handle does nothing.
+    void Close();
+
+    bool IsOpen() const { return descriptor >= 0; }
+    // Of the latest Create, Open or OpenShared.
+    FileOpenError OpenError() const { return openError; }
+
+    // The position, in bytes from the start of the file; it may lie beyond the end. A position that
+    // no file of this system can have is refused, and the position stays.
+    bool Seek(std::uint64_t newPosition);
+    std::uint64_t Tell() const { return position; }
+
+    // The file's size in bytes, 0 for a closed handle.
+    std::uint64_t Size() const;
+
+    // Move count bytes from, or to, the file at the position, which advances by what was moved.
+    // moved receives that number on success and failure alike. A read moves less than count, and
+    // succeeds, at the end of the file only. A write that succeeds has moved everything.
+    bool Read(void* buffer, std::uint32_t count, std::uint32_t& moved);
+    bool Write(const void* buffer, std::uint32_t count, std::uint32_t& moved);
+
+    // Ends the file at the position.
+    bool Truncate();
+
+private:
+    enum class Hold { kExclusive, kShared };
+
+    bool OpenDescriptor(const std::string& path, int flags, Hold hold);
+    bool Fail(FileOpenError error);
+
+    int descriptor = -1;
+    std::uint64_t position = 0;
+    FileOpenError openError = FileOpenError::kNone;
+};
+
+}  // namespace marvolen

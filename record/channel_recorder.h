@@ -1,0 +1,77 @@
+#pragma once
+
+// ChannelRecorder: a channel that is open. It makes the channel's source and writer, links them
+// with the channel's live pane into one chain,
+//
+//   StreamSource -> VideoPane -> ChannelRecorder -> RecordWriter
+//
+// holds the record file open, whether or not it records, and posts the channel's network events to
+// the owner window. While recording it passes on the frames that carry a time stamp; it counts all
+// of them, for the watchdog. Interface thread.
+
+#include "config/channel_info.h"
+#include "net/channel_link.h"
+#include "net/frame_receiver.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace marvolen {
+
+class RecordWriter;
+class StreamSource;
+
+// Why a channel is closed. Both close it the same way.
+enum class CloseFlag : std::int32_t {
+    Ended = 0,    // its connection ended or its start failed
+    Ordered = 1,  // the program wants it closed
+};
+
+class ChannelRecorder : public FrameReceiver, public ChannelLink {
+public:
+    // Closed.
+    ChannelRecorder();
+
+    // Closes.
+    ~ChannelRecorder() override;
+
+    // Builds the chain through pane and opens or creates the channel's record file. Recording is
+    // off, nothing is connected yet. The arguments are borrowed until Close; eventOwner receives
+    // WM_NETEVENT. False, and closed, when the source can't be made or the record file can be
+    // neither reopened nor created.
+    bool Open(ChannelInfo* channel, FrameReceiver* pane, CWnd* eventOwner) override;
+
+    // Starts the chain and the connection. False when closed, when a receiver refuses, or when the
+    // connect attempt fails at once.
+    bool Connect();
+
+    // Whether stamped frames are written from now on.
+    void SetRecording(bool on) { recording = on; }
+
+    // Frames that reached the recorder since the last call; 0 while closed.
+    std::uint32_t TakeFrameCount();
+
+    // Between a successful Open and Close.
+    bool IsOpen() const { return opened; }
+
+    // The connection's state (net/stream_source.h); false while closed.
+    bool IsConnected() const;
+    bool HasSettled() const;
+
+    // Ends the connection, unlinks the chain and closes the record file. Harmless when closed.
+    virtual void Close(CloseFlag flag);
+
+    // Counts the frame, and passes it on to the writer while recording if it has a time.
+    void Deliver(FramePtr frame) override;
+
+private:
+    using ChannelLink::Close;
+
+    std::unique_ptr<StreamSource> source;  // null while closed
+    std::unique_ptr<RecordWriter> writer;  // null while closed
+    bool recording = false;                // frames are written
+    std::uint32_t frameCount = 0;          // since the last TakeFrameCount
+    bool opened = false;
+};
+
+}  // namespace marvolen

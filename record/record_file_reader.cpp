@@ -1,0 +1,95 @@
+// The reading side of a record file.
+
+#include "record/record_file.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace marvolen {
+namespace {
+
+// Stands for a chunk's newest record.
+constexpr std::uint32_t kLastEntry = std::numeric_limits<std::uint32_t>::max();
+
+}  // namespace
+
+bool RecordFile::OpenForRead(const std::string& path) {
+    Reset();
+    if (!Open(path)) return false;
+    ring = StoredRing();
+    SetLimited(true);
+    if (ReadChain(chunkList) && LoadChunk(GetHead(), 0) && Seek(readChunk.entries[0].pos)) {
+        return true;
+    }
+    CloseReader();
+    return false;
+}
+
+void RecordFile::CloseReader() {
+    chunkList.clear();
+    Close();
+}
+
+// Makes the given entry of the chunk at pos the current record, or leaves everything as it was.
+bool RecordFile::LoadChunk(std::uint64_t pos, std::uint32_t entry) {
+    ChunkBlock loaded;
+    if (!ReadChunk(pos, loaded)) return false;
+    if (entry == kLastEntry) entry = loaded.header.count - 1;
+    if (entry >= loaded.header.count) return false;
+    readChunk = loaded;
+    cursor = entry;
+    return true;
+}
+
+std::uint32_t RecordFile::RecordCount() {
+    if (chunkList.empty()) return 0;
+    ChunkHeader newest;
+    if (!Seek(chunkList.back()) || !ReadChunkHeader(newest)) return 0;
+    // A count that no block can have leaves the newest chunk out.
+    const std::uint64_t inNewest = newest.count <= kChunkEntries ? newest.count : 0;
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>((chunkList.size() - 1) * kChunkEntries + inNewest,
+                                std::numeric_limits<std::uint32_t>::max()));
+}
+
+bool RecordFile::SeekTo(std::uint32_t index) {
+    const std::size_t chunk = index / kChunkEntries;
+    const std::uint32_t entry = index % kChunkEntries;
+    if (chunk >= chunkList.size()) return false;
+    if (chunkList[chunk] != readChunk.header.self) return LoadChunk(chunkList[chunk], entry);
+    if (entry >= readChunk.header.count) return false;
+    cursor = entry;
+    return true;
+}
+
+bool RecordFile::StepForward() {
+    if (cursor + 1 < readChunk.header.count) {
+        ++cursor;
+        return true;
+    }
+    return readChunk.header.next != 0 && LoadChunk(readChunk.header.next, 0);
+}
+
+bool RecordFile::StepBack() {
+    if (cursor > 0) {
+        --cursor;
+        return true;
+    }
+    return readChunk.header.self != GetHead() && LoadChunk(readChunk.header.prev, kLastEntry);
+}
+
+bool RecordFile::ReadRecord(VideoFrame& frame) {
+    if (cursor >= readChunk.header.count) return false;
+    const IndexEntry& entry = readChunk.entries[cursor];
+    if (entry.length > frame.Capacity() || !ring.Holds(entry.pos)) return false;
+    // No record runs on into the oldest chunk. One that would do so has lost its end, in a file
+    // that was cut short for example.
+    if (ring.Distance(GetHead(), entry.pos) + entry.length > ring.Size()) return false;
+    const auto length = static_cast<std::uint32_t>(entry.length);
+    if (!Seek(entry.pos) || !ReadAll(frame.Data(), length)) return false;
+    frame.SetLength(length);
+    frame.SetTime(entry.stamp);
+    return true;
+}
+
+}  // namespace marvolen

@@ -1,0 +1,256 @@
+// The writing side of a record file.
+//
+// The order of the writes is what keeps the file readable wherever a program ends
+// (docs/record_format.md, "Order of writes"): the header's head moves on before the oldest chunk's
+// bytes go, and a chunk is linked only when its successor's block is in the file.
+
+#include "record/record_file.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace marvolen {
+namespace {
+
+ChunkHeader EmptyChunk(std::uint64_t pos, std::uint64_t prev) {
+    return {kChunkMagic, 0, pos, 0, prev, 0, 0};
+}
+
+}  // namespace
+
+bool RecordFile::CreateNew(const std::string& path, std::uint64_t newMaxSize) {
+    Reset();
+    if (!AcceptsMaxSize(newMaxSize) || !Create(path)) return false;
+    ring = RingGeometry(newMaxSize);
+    InitChunk(GetHead(), 0);
+    // The header goes to disk with its maximum at once: without it nobody could open the file.
+    if (FlushChunk() && SetHeaderMaxSize(newMaxSize) && WriteHeader() && SetLimited(true) &&
+        Seek(GetHead() + kChunkBlockSize)) {
+        return true;
+    }
+    Close();
+    return false;
+}
+
+bool RecordFile::OpenAppend(const std::string& path, std::uint64_t newMaxSize) {
+    Reset();
+    if (!AcceptsMaxSize(newMaxSize) || !Open(path)) return false;
+    ring = StoredRing();
+    std::vector<std::uint64_t> chain;
+    if (ReadChain(chain) && ReadChunk(chain.back(), writeChunk)) {
+        std::uint64_t end = SettleNewest();
+        if (AdoptMaxSize(newMaxSize, chain, end) && SetLimited(true) && Seek(end)) return true;
+    }
+    Close();
+    return false;
+}
+
+// Returns where writing goes on: behind the data of the newest chunk, in the ring as it was
+// written. Entries whose data isn't in the file, as after a power failure, are no records; at the
+// end of the index they are dropped, since their place is about to be written to.
+std::uint64_t RecordFile::SettleNewest() {
+    ChunkHeader& newest = writeChunk.header;
+    const std::uint64_t room = ring.Size() - ring.Distance(GetHead(), newest.self);
+    std::uint64_t used = kChunkBlockSize;
+    std::uint32_t kept = 0;
+    for (std::uint32_t k = 0; k < newest.count; ++k) {
+        const IndexEntry& entry = writeChunk.entries[k];
+        if (!ring.Holds(entry.pos)) continue;
+        std::uint64_t offset = ring.Distance(newest.self, entry.pos);
+        if (offset == 0)
+            offset = ring.Size();  // an empty record behind a chunk that fills the ring
+        if (offset < kChunkBlockSize || offset > room || entry.length > room - offset) continue;
+        used = std::max(used, offset + entry.length);
+        kept = k + 1;
+    }
+    if (kept != newest.count) {
+        newest.count = kept;
+        writeChunkDirty = true;
+    }
+    blockEnd = ring.End();
+    return ring.Advance(newest.self, used);
+}
+
+// Makes newMaxSize the file's maximum. The place to go on, end, is still the old ring's; it is the
+// same place in the new one, because what the old ring holds stays where it is.
+bool RecordFile::AdoptMaxSize(std::uint64_t newMaxSize, const std::vector<std::uint64_t>& chain,
+                              std::uint64_t& end) {
+    if (newMaxSize < ring.End() && !KeepChunksBelow(newMaxSize, chain, end)) return false;
+    // What a file holds beyond its ring must not become part of a larger one.
+    if (newMaxSize > ring.End() && GetSize() > ring.End() &&
+        !(Seek(ring.End()) && SetEndOfFile())) {
+        return false;
+    }
+    if (!SetHeaderMaxSize(newMaxSize)) return false;
+    ring = RingGeometry(newMaxSize);
+    SetHead(GetHead());  // the mark depends on the maximum
+    WriteHeader();       // stays due if it fails
+    return true;
+}
+
+// Reduces the chain to the newest run of chunks that lie in one piece below newMaxSize.
+bool RecordFile::KeepChunksBelow(std::uint64_t newMaxSize, const std::vector<std::uint64_t>& chain,
+                                 std::uint64_t& end) {
+    const auto stays = [&](std::size_t k) {
+        const std::uint64_t chunkEnd = k + 1 < chain.size() ? chain[k + 1] : end;
+        return chain[k] < chunkEnd && chunkEnd <= newMaxSize;
+    };
+    std::size_t last = chain.size();
+    while (last > 0 && !stays(last - 1)) --last;
+    if (last == 0) return false;
+    std::size_t first = last - 1;
+    while (first > 0 && stays(first - 1)) --first;
+
+    if (last < chain.size()) {
+        if (!ReadChunk(chain[last - 1], writeChunk)) return false;
+        writeChunk.header.next = 0;
+        writeChunkDirty = true;
+        if (!FlushChunk()) return false;
+        end = chain[last];
+    }
+    return SetHead(chain[first]);
+}
+
+bool RecordFile::WriteFrame(const VideoFrame& frame) {
+    const SYSTEMTIME* const stamp = frame.Time();
+    if (stamp == nullptr || !IsOpen()) return false;
+    if (frame.Length() > ring.Size() - kChunkBlockSize || !MakeRoom(frame.Length())) return false;
+
+    const std::uint64_t pos = Tell();
+    writeChunk.entries[writeChunk.header.count] = {pos, frame.Length(), *stamp};
+    if (!WriteAll(frame.Data(), frame.Length())) {
+        Seek(pos);  // the next record begins where this one would have
+        return false;
+    }
+    ++writeChunk.header.count;
+    writeChunkDirty = true;
+    return true;
+}
+
+void RecordFile::CloseWriter() {
+    SetWatch(false);
+    if (IsOpen()) FlushChunk();
+    Close();
+}
+
+// Bytes that can be written before they would reach the newest chunk's own index block.
+std::uint64_t RecordFile::RoomBeforeOwnBlock() {
+    const std::uint64_t used = ring.Distance(writeChunk.header.self, Tell());
+    return used == 0 ? 0 : ring.Size() - used;
+}
+
+// Sees to it that length bytes can be written at the position without the newest chunk overrunning
+// its index or itself.
+bool RecordFile::MakeRoom(std::uint32_t length) {
+    const ChunkHeader& newest = writeChunk.header;
+    if (newest.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return false;
+    if (newest.count == kChunkEntries) return StartChunk(Former::kLinked);
+    if (length > RoomBeforeOwnBlock()) return StartChunk(Former::kGivenUp);
+    return true;
+}
+
+// Begins a chunk at the position. On failure the former chunk is still the newest, unless part of
+// it has been overwritten: then the new one is, and its block is written with the next frame.
+bool RecordFile::StartChunk(Former former) {
+    const std::uint64_t start = Tell();
+    ChunkBlock fresh = writeChunk;  // unused entries have no meaning
+    fresh.header = EmptyChunk(start, former == Former::kLinked ? writeChunk.header.self : 0);
+
+    writeChunk.header.next = start;
+    bool done = WriteAll(&fresh, sizeof fresh);
+    const bool formerRemains = GetHead() != start;
+    if (formerRemains && done && former == Former::kGivenUp) GiveUpTo(start);
+    if (formerRemains && former == Former::kLinked) {
+        writeChunkDirty = true;
+        done = done && FlushChunkUnwatched();
+    }
+    if (!done && formerRemains) {
+        writeChunk.header.next = 0;
+        Seek(start);
+        return false;
+    }
+    writeChunk.header = fresh.header;
+    writeChunkDirty = !done;
+    blockEnd = ring.End();
+    return Seek(ring.Advance(start, kChunkBlockSize)) && done;
+}
+
+void RecordFile::InitChunk(std::uint64_t pos, std::uint64_t prev) {
+    writeChunk.header = EmptyChunk(pos, prev);
+    writeChunkDirty = true;
+    blockEnd = ring.End();
+}
+
+// The entries go first: until the header follows, the block in the file says what it said before,
+// and the entries it counts are still the same.
+bool RecordFile::FlushChunk() {
+    if (!writeChunkDirty) return true;
+    constexpr std::uint32_t kEntriesOffset = offsetof(ChunkBlock, entries);
+    if (!WriteInBlock(kEntriesOffset, kChunkBlockSize - kEntriesOffset) ||
+        !WriteInBlock(0, kEntriesOffset)) {
+        return false;
+    }
+    writeChunkDirty = false;
+    return true;
+}
+
+// Writes n bytes of writeChunk, from offset on, to their place in the file.
+bool RecordFile::WriteInBlock(std::uint32_t offset, std::uint32_t n) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&writeChunk) + offset;
+    const RingGeometry blockRing(blockEnd);
+    const std::uint64_t pos = blockRing.Advance(writeChunk.header.self, offset);
+    const auto beforeEnd =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(blockRing.End() - pos, n));
+    if (!Seek(pos) || !WriteAll(bytes, beforeEnd)) return false;
+    return beforeEnd == n || (Seek(kRingDataStart) && WriteAll(bytes + beforeEnd, n - beforeEnd));
+}
+
+// For a block that is rewritten where it lies: this must not move the head, nor the place to go on.
+bool RecordFile::FlushChunkUnwatched() {
+    const std::uint64_t saved = Tell();
+    SetWatch(false);
+    const bool flushed = FlushChunk();
+    SetWatch(true);
+    return Seek(saved) && flushed;
+}
+
+void RecordFile::OnHeadReached() {
+    // The newest chunk is given up only in favour of one that is about to follow it.
+    if (const std::uint64_t next = SuccessorOfHead(); next != 0) GiveUpTo(next);
+}
+
+// The chunk after the head, 0 for the newest one. A head that can't be read, or that leads to no
+// chunk, hides the chunks behind it; the newest is known without the file.
+std::uint64_t RecordFile::SuccessorOfHead() {
+    const ChunkHeader& newest = writeChunk.header;
+    if (GetHead() == newest.self) return newest.next;
+    const std::uint64_t saved = Tell();
+    ChunkHeader oldest;
+    const bool known = Seek(GetHead()) && ReadChunkHeader(oldest) && IsBehindHead(oldest.next);
+    Seek(saved);
+    return known ? oldest.next : newest.self;
+}
+
+// Whether a chunk begins at pos, between the oldest and the newest one.
+bool RecordFile::IsBehindHead(std::uint64_t pos) {
+    if (pos == writeChunk.header.self) return true;
+    if (!ring.Holds(pos)) return false;
+    const std::uint64_t step = ring.Distance(GetHead(), pos);
+    if (step < kChunkBlockSize || step > ring.Distance(GetHead(), writeChunk.header.self)) {
+        return false;
+    }
+    ChunkHeader chunk;
+    return Seek(pos) && ReadChunkHeader(chunk);
+}
+
+// Moves the head on, in the file too: what lies before it may be overwritten from now on.
+void RecordFile::GiveUpTo(std::uint64_t newHead) {
+    const std::uint64_t saved = Tell();
+    SetHead(newHead);
+    SetWatch(false);
+    WriteHeader();  // stays due if it fails
+    SetWatch(true);
+    Seek(saved);
+}
+
+}  // namespace marvolen

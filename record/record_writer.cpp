@@ -1,0 +1,29 @@
+#include "record/record_writer.h"
+
+#include "platform/native_path.h"
+#include "platform/text_field.h"
+
+#include <utility>
+
+namespace marvolen {
+
+RecordWriter::~RecordWriter() {
+    CloseWriter();
+}
+
+bool RecordWriter::Open(const ChannelInfo& channel) {
+    constexpr std::uint64_t kMegabyte = 1048576;
+    const std::uint64_t size = static_cast<std::uint32_t>(channel.maxSizeMB) * kMegabyte;
+    // Creating a file empties the one that is there, so a maximum that creating would refuse must
+    // not get that far.
+    if (!AcceptsMaxSize(size)) return false;
+    const std::string path = NativePath(FieldText(channel.recordPath));
+    return OpenAppend(path, size) || CreateNew(path, size);
+}
+
+void RecordWriter::Deliver(FramePtr frame) {
+    WriteFrame(*frame);
+    Forward(std::move(frame));
+}
+
+}  // namespace marvolen

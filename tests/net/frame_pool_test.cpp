@@ -1,0 +1,104 @@
+#include "net/frame_pool.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace marvolen {
+namespace {
+
+std::vector<FramePtr> AcquireAll(FramePool& pool) {
+    std::vector<FramePtr> frames;
+    while (FramePtr frame = pool.Acquire()) frames.push_back(std::move(frame));
+    return frames;
+}
+
+TEST(FramePoolTest, FreshFrameIsEmptyWhateverItsSlotHeldBefore) {
+    FramePool pool;
+    ASSERT_TRUE(pool.Init(100, 1));
+    for (int use = 0; use < 2; ++use) {
+        const FramePtr frame = pool.Acquire();
+        ASSERT_NE(frame, nullptr);
+        EXPECT_EQ(frame->Width(), -1);
+        EXPECT_EQ(frame->Height(), -1);
+        EXPECT_EQ(frame->Length(), 0U);
+        EXPECT_EQ(frame->Capacity(), 100U);
+        EXPECT_EQ(frame->Time(), nullptr);
+        EXPECT_EQ(frame->Data(), reinterpret_cast<std::uint8_t*>(frame.get()) + sizeof(VideoFrame))
+            << "the bytes follow the record";
+
+        std::memset(frame->Data(), 0xFF, frame->Capacity());
+        frame->SetLength(100);
+        frame->SetWidth(352);
+        frame->SetHeight(240);
+        const SYSTEMTIME time{2003, 1, 0, 15, 12, 30, 45, 500};
+        frame->SetTime(time);
+        ASSERT_NE(frame->Time(), nullptr);
+        EXPECT_EQ(*frame->Time(), time);
+        EXPECT_EQ(frame->Picture().size(), 100U);
+    }
+}
+
+TEST(FramePoolTest, SlotsDoNotOverlap) {
+    FramePool pool;
+    ASSERT_TRUE(pool.Init(37, 5));  // not a multiple of any alignment
+    std::vector<FramePtr> frames = AcquireAll(pool);
+    ASSERT_EQ(frames.size(), 5U);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        std::memset(frames[i]->Data(), static_cast<int>(i + 1), frames[i]->Capacity());
+    }
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        frames[i]->SetLength(37);
+        for (const std::uint8_t byte : frames[i]->Picture()) ASSERT_EQ(byte, i + 1);
+    }
+}
+
+TEST(FramePoolTest, SlotsComeLowestFirstThenInTheOrderOfTheirReturn) {
+    FramePool pool;
+    ASSERT_TRUE(pool.Init(8, 4));
+    std::vector<FramePtr> frames = AcquireAll(pool);
+    ASSERT_EQ(frames.size(), 4U);
+    std::vector<const VideoFrame*> slots;
+    for (const FramePtr& frame : frames) slots.push_back(frame.get());
+    EXPECT_TRUE(std::is_sorted(slots.begin(), slots.end()));
+
+    EXPECT_EQ(pool.Acquire(), nullptr) << "every slot is out";
+    for (const std::size_t i : {2U, 0U, 3U, 1U}) frames[i].reset();
+    for (const std::size_t i : {2U, 0U, 3U, 1U}) {
+        frames[i] = pool.Acquire();
+        EXPECT_EQ(frames[i].get(), slots[i]);
+    }
+    frames[3].reset();
+    EXPECT_EQ(pool.Acquire().get(), slots[3]) << "the only free slot";
+}
+
+TEST(FramePoolTest, MovingAHandleMovesTheFrameAndReassigningReturnsIt) {
+    FramePool pool;
+    ASSERT_TRUE(pool.Init(8, 2));
+    FramePtr first = pool.Acquire();
+    FramePtr second = pool.Acquire();
+    const VideoFrame* const firstSlot = first.get();
+    first = std::move(second);
+    EXPECT_EQ(second, nullptr);
+    second = pool.Acquire();
+    EXPECT_EQ(second.get(), firstSlot);
+}
+
+TEST(FramePoolTest, WhatCannotBeAllocatedFailsAndHandsOutNothing) {
+    constexpr auto kMost = std::numeric_limits<std::uint32_t>::max();
+    FramePool tooLarge;
+    EXPECT_FALSE(tooLarge.Init(kMost, kMost)) << "2^64 bytes and more";
+    EXPECT_EQ(tooLarge.Acquire(), nullptr);
+    FramePool without;
+    EXPECT_EQ(without.Acquire(), nullptr) << "never initialised";
+    FramePool twice;
+    EXPECT_TRUE(twice.Init(8, 1));
+    EXPECT_FALSE(twice.Init(8, 1));
+    EXPECT_NE(twice.Acquire(), nullptr);
+}
+
+}  // namespace
+}  // namespace marvolen

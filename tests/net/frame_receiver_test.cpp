@@ -1,0 +1,144 @@
+#include "net/frame_receiver.h"
+
+#include "net/channel_link.h"
+#include "net/frame_pool.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace marvolen {
+namespace {
+
+class RecordingLink : public ChannelLink {
+public:
+    std::vector<int> events;
+
+    bool Open(ChannelInfo*, FrameReceiver*, CWnd*) override { return true; }
+    void Close() override {}
+    void OnEvent(int code) override { events.push_back(code); }
+};
+
+using Calls = std::vector<std::string>;
+
+class Node : public FrameReceiver {
+public:
+    Node(std::string nodeName, Calls& log) : name(std::move(nodeName)), calls(log) {}
+
+    bool refuses = false;
+
+    bool IsStartedBy(const ChannelLink* starter) const { return active && link == starter; }
+    bool IsStopped() const { return !active && link == nullptr; }
+    void Produce(FramePtr frame) { Forward(std::move(frame)); }
+    void Tell(int code) { PostEvent(code); }
+
+    bool Start(ChannelLink* startingLink) override {
+        if (!FrameReceiver::Start(startingLink)) return false;
+        calls.push_back("start " + name);
+        if (!refuses) return true;
+        active = false;
+        link = nullptr;
+        return false;
+    }
+    void Stop() override {
+        calls.push_back("stop " + name);
+        FrameReceiver::Stop();
+    }
+    void Deliver(FramePtr frame) override {
+        calls.push_back("deliver " + name);
+        Forward(std::move(frame));
+    }
+
+private:
+    const std::string name;
+    Calls& calls;
+};
+
+class FrameReceiverTest : public ::testing::Test {
+protected:
+    FrameReceiverTest() {
+        EXPECT_TRUE(pool.Init(16, 10));
+        head.SetNext(&middle);
+        middle.SetNext(&tail);
+    }
+
+    Calls calls;
+    FramePool pool;
+    RecordingLink link;
+    Node head{"head", calls}, middle{"middle", calls}, tail{"tail", calls};
+};
+
+TEST_F(FrameReceiverTest, IsIdleAndUnwiredAtFirst) {
+    Node lone("lone", calls);
+    EXPECT_TRUE(lone.IsStopped());
+    EXPECT_EQ(lone.TakeNext(), nullptr);
+    lone.Tell(NETEVENT_CLOSE);  // without a link: nobody hears it
+    lone.Stop();
+}
+
+TEST_F(FrameReceiverTest, StartsFromTheTailAndStopsFromTheHead) {
+    ASSERT_TRUE(head.Start(&link));
+    EXPECT_EQ(calls, (Calls{"start tail", "start middle", "start head"}));
+    for (const Node* node : {&head, &middle, &tail}) EXPECT_TRUE(node->IsStartedBy(&link));
+    middle.Tell(NETEVENT_ERROR);
+    EXPECT_EQ(link.events, std::vector{NETEVENT_ERROR});
+
+    calls.clear();
+    head.Stop();
+    EXPECT_EQ(calls, (Calls{"stop head", "stop middle", "stop tail"}));
+    for (const Node* node : {&head, &middle, &tail}) EXPECT_TRUE(node->IsStopped());
+    middle.Tell(NETEVENT_ERROR);
+    EXPECT_EQ(link.events.size(), 1U) << "a stopped receiver posts nothing";
+}
+
+TEST_F(FrameReceiverTest, NothingStartsBeforeAReceiverThatRefuses) {
+    tail.refuses = true;
+    EXPECT_FALSE(head.Start(&link));
+    EXPECT_TRUE(head.IsStopped());
+    EXPECT_TRUE(middle.IsStopped());
+
+    tail.refuses = false;
+    middle.refuses = true;
+    EXPECT_FALSE(head.Start(&link));
+    EXPECT_TRUE(head.IsStopped());
+    EXPECT_TRUE(tail.IsStartedBy(&link)) << "what stands behind the refusing one stays started";
+}
+
+TEST_F(FrameReceiverTest, UnwiresOneOrAll) {
+    EXPECT_EQ(middle.TakeNext(), &tail);
+    EXPECT_EQ(middle.TakeNext(), nullptr);
+    middle.SetNext(&tail);
+    head.ClearChain();
+    for (Node* node : {&head, &middle, &tail}) EXPECT_EQ(node->TakeNext(), nullptr);
+}
+
+TEST_F(FrameReceiverTest, FramesTravelToTheTailAndReturn) {
+    for (int i = 0; i < 100; ++i) {
+        FramePtr frame = pool.Acquire();
+        ASSERT_NE(frame, nullptr) << "picture " << i;
+        head.Produce(std::move(frame));
+    }
+    ASSERT_EQ(calls.size(), 200U) << "delivered whether started or not";
+    EXPECT_EQ(calls[0], "deliver middle");
+    EXPECT_EQ(calls[1], "deliver tail");
+
+    head.ClearChain();
+    for (int i = 0; i < 100; ++i) {
+        FramePtr frame = pool.Acquire();
+        ASSERT_NE(frame, nullptr);
+        head.Produce(std::move(frame));
+    }
+    EXPECT_EQ(calls.size(), 200U);
+
+    FrameReceiver plain;
+    head.SetNext(&plain);
+    for (int i = 0; i < 100; ++i) {
+        FramePtr frame = pool.Acquire();
+        ASSERT_NE(frame, nullptr) << "the base receiver drops what it gets";
+        head.Produce(std::move(frame));
+    }
+}
+
+}  // namespace
+}  // namespace marvolen

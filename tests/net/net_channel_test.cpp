@@ -1,0 +1,339 @@
+#include "net/net_channel.h"
+
+#include "net/stream_client.h"
+#include "net/stream_source.h"
+#include "platform/host_resolver.h"
+#include "tests/net/channel_fixture.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace marvolen {
+namespace {
+
+using test::ComesToRest;
+using test::LoopbackListener;
+using test::LoopbackPeer;
+using test::Part;
+using test::WaitUntil;
+
+using Events = std::vector<int>;
+
+class NetChannelTest : public ::testing::Test {
+protected:
+    bool Open() { return channel.Open(&record, &sink, &owner); }
+    bool OpenAt(std::uint16_t port) {
+        record = test::MakeRecord("127.0.0.1", port);
+        return Open();
+    }
+    // Opens, and reads the request.
+    void Connect() {
+        ASSERT_TRUE(Open());
+        camera = listener.Accept();
+        ASSERT_TRUE(WaitUntil([&] { return !owner.events.empty(); }));
+        ASSERT_EQ(owner.events, Events{NETEVENT_CONNECT});
+        ASSERT_EQ(camera.ReceiveUntil("\r\n\r\n"), test::kRequest);
+    }
+    void ExpectEvents(const Events& expected) {
+        ASSERT_TRUE(WaitUntil([&] { return owner.events.size() >= expected.size(); }));
+        EXPECT_TRUE(ComesToRest());
+        EXPECT_EQ(owner.events, expected);
+        for (const ChannelInfo* told : owner.records) EXPECT_EQ(told, &record);
+    }
+    void ExpectPictures(const std::vector<std::string>& expected) {
+        EXPECT_TRUE(WaitUntil([&] { return sink.pictures.size() >= expected.size(); }));
+        EXPECT_EQ(sink.pictures, expected);
+    }
+
+    LoopbackListener listener;
+    LoopbackPeer camera;
+    ChannelInfo record = test::MakeRecord("127.0.0.1", listener.Port());
+    test::Owner owner;
+    test::Sink sink;
+    NetChannel channel;
+};
+
+TEST_F(NetChannelTest, StreamsPicturesToTheSink) {
+    Connect();
+    EXPECT_TRUE(sink.IsStarted());
+    const std::string large(150000, 'L');
+    camera.Send(std::string(test::kStreamHead) + Part("first"));
+    ExpectPictures({"first"});
+    for (const std::string& picture : {large, std::string("last")}) camera.Send(Part(picture));
+    ExpectPictures({"first", large, "last"});
+    EXPECT_EQ(owner.events, Events{NETEVENT_CONNECT});
+}
+
+TEST_F(NetChannelTest, StreamOneByteAtATime) {
+    Connect();
+    for (const char byte : std::string(test::kStreamHead) + Part("bytewise")) {
+        camera.Send({&byte, 1});
+        // Let it be received before the next one comes.
+        QCoreApplication::processEvents();
+    }
+    ExpectPictures({"bytewise"});
+}
+
+TEST_F(NetChannelTest, CameraThatClosesGivesOneClose) {
+    Connect();
+    camera.Send(std::string(test::kStreamHead) + Part("only"));
+    camera.Close();
+    ExpectEvents({NETEVENT_CONNECT, NETEVENT_CLOSE});
+    ExpectPictures({"only"});
+}
+
+TEST_F(NetChannelTest, CameraThatClosesAtOnce) {
+    ASSERT_TRUE(Open());
+    listener.Accept();  // and closed
+    // The request may meet a connection that is closed already, which resets it.
+    ASSERT_TRUE(WaitUntil([&] { return owner.events.size() >= 2; }));
+    EXPECT_TRUE(ComesToRest());
+    EXPECT_EQ(owner.events[0], NETEVENT_CONNECT);
+    EXPECT_TRUE(owner.events[1] == NETEVENT_CLOSE || owner.events[1] == NETEVENT_ERROR);
+    EXPECT_EQ(owner.events.size(), 2U);
+}
+
+TEST_F(NetChannelTest, CameraThatResetsGivesOneError) {
+    Connect();
+    camera.Reset();
+    ExpectEvents({NETEVENT_CONNECT, NETEVENT_ERROR});
+}
+
+TEST_F(NetChannelTest, SilentCameraCostsNothing) {
+    Connect();
+    EXPECT_TRUE(ComesToRest());
+    ExpectEvents({NETEVENT_CONNECT});
+}
+
+TEST_F(NetChannelTest, RefusedConnectionGivesOneError) {
+    ASSERT_TRUE(OpenAt(test::RefusingPort()));
+    ExpectEvents({NETEVENT_ERROR});
+}
+
+TEST_F(NetChannelTest, HostWithoutAddressGivesOneError) {
+    const HostLookup before = ReplaceHostLookup([](const std::string&) { return std::nullopt; });
+    record = test::MakeRecord("no.such.host", listener.Port());
+    ASSERT_TRUE(Open());
+    ExpectEvents({NETEVENT_ERROR});
+    ReplaceHostLookup(before);
+}
+
+TEST_F(NetChannelTest, RecordsThatMakeNoUrlFailWithoutAnEvent) {
+    record = test::MakeRecord("", listener.Port());
+    EXPECT_FALSE(Open());
+    record = test::MakeRecord("a@b", listener.Port());
+    EXPECT_FALSE(Open());
+    record = test::MakeRecord("127.0.0.1", 0);
+    EXPECT_FALSE(Open());
+    ExpectEvents({});
+}
+
+TEST_F(NetChannelTest, SinkThatRefusesLeavesTheChannelClosed) {
+    sink.refuses = true;
+    EXPECT_FALSE(Open());
+    sink.refuses = false;
+    ExpectEvents({});
+    Connect();  // nothing is left of the failed attempt
+}
+
+TEST_F(NetChannelTest, ClosedWhileConnectingPostsNothing) {
+    ASSERT_TRUE(Open());
+    channel.Close();
+    ExpectEvents({});
+    channel.OnEvent(NETEVENT_ERROR);  // closed: there is nobody to tell
+    ExpectEvents({});
+}
+
+TEST_F(NetChannelTest, ReopensFromWithinAnEvent) {
+    Connect();
+    owner.duringEvent = [&](int code) { EXPECT_TRUE(code != NETEVENT_CLOSE || Open()); };
+    camera.Close();
+    ExpectEvents({NETEVENT_CONNECT, NETEVENT_CLOSE, NETEVENT_CONNECT});
+    camera = listener.Accept();
+    EXPECT_EQ(camera.ReceiveUntil("\r\n\r\n"), test::kRequest);
+    camera.Send(std::string(test::kStreamHead) + Part("again"));
+    ExpectPictures({"again"});
+}
+
+TEST_F(NetChannelTest, OpeningAnOpenChannelReplacesItsConnection) {
+    Connect();
+    ASSERT_TRUE(Open());
+    EXPECT_TRUE(camera.IsEnded());
+    ExpectEvents({NETEVENT_CONNECT, NETEVENT_CONNECT});
+}
+
+TEST_F(NetChannelTest, GoesOnWhenEverySlotIsOut) {
+    Connect();
+    sink.keep = 9;  // all but the one that the parser fills
+    std::string stream(test::kStreamHead);
+    for (int i = 0; i < 12; ++i) stream += Part("picture");
+    camera.Send(stream);
+    camera.Send(Part(std::string(3000, 'm')));
+    ExpectPictures(std::vector<std::string>(9, "picture"));
+    EXPECT_TRUE(ComesToRest());
+    sink.keep = 0;
+    sink.kept.clear();
+    camera.Send(Part("after"));
+    ASSERT_TRUE(WaitUntil([&] { return sink.pictures.size() > 9; }));
+    EXPECT_EQ(sink.pictures.back(), "after");
+}
+
+TEST_F(NetChannelTest, ManyOpensLeaveNothingBehind) {
+    Connect();
+    channel.Close();
+    const auto descriptors = test::OpenDescriptors();
+    const auto threads = test::RunningThreads();
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_TRUE(Open());
+        if (i % 2 == 0) channel.Close();
+        camera = listener.Accept();
+        if (i % 2 != 0) {
+            camera.Send(std::string(test::kStreamHead) + Part("x"));
+            ASSERT_TRUE(WaitUntil([&] { return !sink.pictures.empty(); }));
+            sink.pictures.clear();
+        }
+        camera.Close();
+        channel.Close();
+    }
+    EXPECT_TRUE(ComesToRest());
+    EXPECT_EQ(test::OpenDescriptors(), descriptors - 1) << "the first camera's end is closed";
+    EXPECT_EQ(test::RunningThreads(), threads);
+}
+
+class RecordingLink : public ChannelLink {
+public:
+    Events events;
+    void OnEvent(int code) override { events.push_back(code); }
+};
+
+class StreamSourceTest : public ::testing::Test {
+protected:
+    void Start(std::uint16_t port) {
+        ASSERT_TRUE(source.Init(test::MakeRecord("127.0.0.1", port)));
+        source.SetNext(&sink);
+        ASSERT_TRUE(source.Start(&link));
+        EXPECT_FALSE(source.HasSettled());
+        EXPECT_FALSE(source.IsConnected());
+    }
+    void Connect() {
+        Start(listener.Port());
+        camera = listener.Accept();
+        ASSERT_TRUE(WaitUntil([&] { return source.IsConnected(); }));
+        EXPECT_TRUE(source.HasSettled());
+    }
+
+    LoopbackListener listener;
+    LoopbackPeer camera;
+    RecordingLink link;
+    test::Sink sink;
+    StreamSource source;
+};
+
+TEST_F(StreamSourceTest, IsConnectedUntilTheCameraEnds) {
+    Connect();
+    camera.Close();
+    ASSERT_TRUE(WaitUntil([&] { return link.events.size() == 2; }));
+    EXPECT_FALSE(source.IsConnected());
+    EXPECT_TRUE(source.HasSettled());
+}
+
+TEST_F(StreamSourceTest, IsConnectedUntilAReceiveFails) {
+    Connect();
+    camera.Reset();
+    ASSERT_TRUE(WaitUntil([&] { return link.events.size() == 2; }));
+    EXPECT_EQ(link.events.back(), NETEVENT_ERROR);
+    EXPECT_FALSE(source.IsConnected());
+}
+
+TEST_F(StreamSourceTest, RefusedIsNotSettled) {
+    Start(test::RefusingPort());
+    ASSERT_TRUE(WaitUntil([&] { return !link.events.empty(); }));
+    EXPECT_EQ(link.events, Events{NETEVENT_ERROR});
+    EXPECT_FALSE(source.HasSettled());
+}
+
+TEST_F(StreamSourceTest, StopsSilentlyAlsoFromWithinADelivery) {
+    Connect();
+    sink.duringDeliver = [&] { source.Stop(); };
+    camera.Send(std::string(test::kStreamHead) + Part("stop"));
+    ASSERT_TRUE(WaitUntil([&] { return !sink.pictures.empty(); }));
+    EXPECT_TRUE(camera.IsEnded());
+    EXPECT_TRUE(ComesToRest());
+    EXPECT_FALSE(source.IsConnected());
+    EXPECT_FALSE(sink.IsStarted());
+    EXPECT_EQ(link.events, Events{NETEVENT_CONNECT});
+}
+
+// A client whose notifications the test makes up or acts upon.
+class Client : public StreamClient {
+public:
+    using StreamClient::OnConnect;
+};
+
+using Codes = std::vector<std::uint16_t>;
+
+TEST(StreamClientTest, TimeOutSettlesAndOtherFailuresDoNot) {
+    LoopbackListener listener;
+    const auto note = [](void* codes, std::uint16_t code) {
+        static_cast<Codes*>(codes)->push_back(code);
+    };
+    for (const int error : {10060, 111, 0}) {
+        Codes codes;
+        Client client;
+        const std::string url = "http://a:b@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
+        ASSERT_TRUE(client.Connect(url, note, &codes));
+        client.OnConnect(error);
+        EXPECT_EQ(codes, Codes{static_cast<std::uint16_t>(error == 0 ? 0 : 3)});
+        EXPECT_EQ(client.HasSettled(), error != 111);
+        EXPECT_EQ(client.IsConnected(), error == 0);
+        client.Close();
+        EXPECT_FALSE(client.IsConnected());
+    }
+}
+
+TEST(StreamClientTest, TakesOnlyHttp) {
+    const auto never = [](void*, std::uint16_t) { FAIL(); };
+    for (const std::string url : {"HTTP://a:b@127.0.0.1:80/", "https://a:b@127.0.0.1:80/",
+                                  "http://a:b@127.0.0.1:/", "http://127.0.0.1:80/", ""}) {
+        StreamClient client;
+        EXPECT_FALSE(client.Connect(url, never, nullptr)) << url;
+        EXPECT_FALSE(client.IsOpen());
+    }
+    EXPECT_TRUE(ComesToRest());
+}
+
+TEST(StreamClientTest, SendsNothingWhenAComponentIsTooLong) {
+    LoopbackListener listener;
+    StreamClient client;
+    const std::string url = "http://" + std::string(260, 'u') +
+                            ":p@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
+    bool connected = false;
+    const auto note = [](void* flag, std::uint16_t code) {
+        *static_cast<bool*>(flag) = code == StreamClient::kConnected;
+    };
+    ASSERT_TRUE(client.Connect(url, note, &connected));
+    LoopbackPeer camera = listener.Accept();
+    ASSERT_TRUE(WaitUntil([&] { return connected; }));
+    EXPECT_TRUE(client.IsConnected()) << "the connection stays open";
+    EXPECT_FALSE(client.BuildRequest());
+    client.Close();
+    EXPECT_EQ(camera.ReceiveUntil("\r\n\r\n"), "");
+}
+
+TEST(StreamClientTest, MayEndWithinItsNotification) {
+    LoopbackListener listener;
+    const std::string url = "http://a:b@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
+    auto client = std::make_unique<StreamClient>();
+    const auto end = [](void* owned, std::uint16_t) {
+        static_cast<std::unique_ptr<StreamClient>*>(owned)->reset();
+    };
+    ASSERT_TRUE(client->Connect(url, end, &client));
+    EXPECT_TRUE(WaitUntil([&] { return client == nullptr; }));
+    EXPECT_EQ(listener.Accept().ReceiveUntil("\r\n\r\n"), "");
+}
+
+}  // namespace
+}  // namespace marvolen

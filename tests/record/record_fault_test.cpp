@@ -1,0 +1,216 @@
+// Writes that fail, and programs that end in the middle of one.
+
+#include "record/record_file.h"
+#include "tests/record/record_fixture.h"
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <sys/resource.h>
+
+namespace marvolen::test {
+namespace {
+
+constexpr std::uint64_t kMiB = 1048576;
+constexpr std::uint64_t kBlock = 19240;
+
+// A disk with room for so many more bytes, which notes what is written to it.
+class FaultyRecordFile : public RecordFile {
+public:
+    struct Piece {
+        std::uint64_t position;
+        std::string bytes;
+    };
+
+    bool Write(const void* buf, std::uint32_t n, std::uint32_t* put) override {
+        const bool fails = n > room;
+        const std::uint64_t position = Tell();
+        std::uint32_t written = 0;
+        const bool taken =
+            RecordFile::Write(buf, fails ? static_cast<std::uint32_t>(room) : n, &written);
+        if (room != kEndless) room -= written;
+        if (keepsTrace && written > 0) {
+            trace.push_back({position, {static_cast<const char*>(buf), written}});
+        }
+        *put = written;
+        return taken && !fails;
+    }
+
+    static constexpr std::uint64_t kEndless = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t room = kEndless;
+    bool keepsTrace = false;
+    std::vector<Piece> trace;
+};
+
+class RecordFaults : public RecordFixture {
+protected:
+    std::unique_ptr<RecordFile> NewFile() override {
+        auto made = std::make_unique<FaultyRecordFile>();
+        disk = made.get();
+        return made;
+    }
+    FaultyRecordFile* disk = nullptr;
+};
+
+TEST_F(RecordFaults, AFullDiskCostsTheFramesThatDoNotFit) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    // Full within the 6th record of 700 bytes; then in the second chunk's index block.
+    for (const auto& [full, length, fits] :
+         {std::tuple{24 + kBlock + 4000, 700U, 5}, {24 + kBlock + 6000 + 500, 10U, 600}}) {
+        nextId = 0;
+        ASSERT_TRUE(Create(kMiB));
+        const rlimit limit{full, before.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        int taken = 0;
+        std::vector<TestRecord> records;
+        for (std::uint32_t id = 0; id < 605; ++id) {
+            if (!AppendRecord({id, length})) continue;
+            records.push_back({id, length});
+            ++taken;
+        }
+        EXPECT_EQ(taken, fits);
+        Close();
+        EXPECT_TRUE(Sound());
+        EXPECT_TRUE(HoldsExactly(records));
+        ASSERT_TRUE(Reopen(kMiB));
+        EXPECT_FALSE(AppendRecord({1000, length}));
+        setrlimit(RLIMIT_FSIZE, &before);
+        ASSERT_TRUE(AppendRecord({1001, length})) << "there is room again";
+        records.push_back({1001, length});
+        Close();
+        EXPECT_TRUE(Sound());
+        EXPECT_TRUE(HoldsExactly(records));
+    }
+    std::signal(SIGXFSZ, signalBefore);
+}
+
+// Random failures, at every kind of write: what was taken is there, up to the newest, and nothing
+// else is.
+TEST_F(RecordFaults, FailedWritesCostTheirFramesOnly) {
+    std::mt19937 random(7);
+    const auto any = [&](std::uint32_t below) {
+        return static_cast<std::uint32_t>(random() % below);
+    };
+    for (const std::uint64_t maxSize : {20000U, 45000U, 70000U, 300000U}) {
+        std::vector<TestRecord> taken;
+        ASSERT_TRUE(Create(maxSize));
+        for (int operation = 0; operation < 30000; ++operation) {
+            if (any(40) == 0) disk->room = any(2) == 0 ? any(300) : any(25000);
+            const TestRecord record{nextId++, any(100)};
+            if (AppendRecord(record)) taken.push_back(record);
+            if (any(8) == 0) disk->room = FaultyRecordFile::kEndless;
+            if (any(1000) != 0) continue;
+
+            disk->room = FaultyRecordFile::kEndless;
+            ASSERT_TRUE(AppendRecord({nextId, 10})) << "goes on as soon as the disk does";
+            taken.push_back({nextId++, 10});
+            Close();
+            ASSERT_TRUE(Sound()) << operation;
+            ASSERT_TRUE(Read());
+            const std::uint32_t count = file->RecordCount();
+            ASSERT_LE(count, taken.size());
+            taken.erase(taken.begin(), taken.end() - count);
+            ASSERT_TRUE(HoldsExactly(taken)) << operation;
+            ASSERT_TRUE(Reopen(maxSize));
+        }
+    }
+}
+
+// Replays what a writer wrote, piece by piece, and looks at the file in between. Only the writes of
+// the 24 and 40 bytes of a header are taken for indivisible.
+class RecordCrash : public RecordFaults {
+protected:
+    // Calls check(number of records appended so far) for the file as it was within each write of
+    // index or header, and now and then within a record.
+    template <typename Check>
+    void Replay(const std::vector<FaultyRecordFile::Piece>& trace, Check check) {
+        std::string image;
+        std::uint32_t appended = 0;
+        int sinceCheck = 0;
+        for (const FaultyRecordFile::Piece& piece : trace) {
+            image.resize(std::max<std::size_t>(image.size(), piece.position + piece.bytes.size()));
+            const bool record = piece.bytes.size() == kLength;
+            const std::size_t step = record ? 2 : piece.bytes.size() < 100 ? 100 : 3001;
+            for (std::size_t from = 0; from < piece.bytes.size(); from += step) {
+                const std::size_t n = std::min(step, piece.bytes.size() - from);
+                image.replace(piece.position + from, n, piece.bytes, from, n);
+                if (record && ++sinceCheck % 97 != 0) continue;
+                WriteImage(image);
+                ASSERT_NO_FATAL_FAILURE(check(appended))
+                    << appended << ' ' << piece.position << ' ' << from + n;
+            }
+            if (record) ++appended;
+        }
+    }
+    void WriteImage(const std::string& image) {
+        Crash();
+        if (!std::filesystem::exists(path)) WriteWholeFile(path, "");
+        Restore(image);
+    }
+
+    std::vector<FaultyRecordFile::Piece> Trace(std::uint64_t maxSize, int records) {
+        Renew();
+        disk->keepsTrace = true;
+        EXPECT_TRUE(file->CreateNew(path, maxSize));
+        EXPECT_TRUE(AppendMany(records, kLength));
+        Close();
+        return disk->trace;
+    }
+
+    static constexpr std::uint32_t kLength = 5;
+};
+
+TEST_F(RecordCrash, CostsTheNewestChunkAtMost) {
+    constexpr std::uint64_t kChunk = kBlock + 600 * kLength;
+    const std::uint64_t maxSize = 24 + 3 * kChunk + kChunk / 2 + 1;
+    const auto trace = Trace(maxSize, 6 * 600 + 100);
+    Replay(trace, [&](std::uint32_t appended) {
+        const std::uint32_t flushed = appended == 0 ? 0 : (appended - 1) / 600 * 600;
+        if (flushed == 0) return;  // nothing that could be lost yet
+        ASSERT_TRUE(Sound());
+        ASSERT_TRUE(Read());
+        const std::uint32_t count = file->RecordCount();
+        ASSERT_TRUE(file->SeekTo(count - 1));
+        std::uint32_t newest = flushed - 1;
+        if (appended == 3700 && Shows(3699, kLength)) newest = 3699;  // the closing flush
+        if (newest != 3699 && Shows(flushed + 599, kLength)) newest = flushed + 599;
+        ASSERT_GE(count, 600U);
+        ASSERT_TRUE(HoldsRange(newest + 1 - count, newest, kLength));
+        nextId = newest + 1;
+        ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, kLength));
+        Close();
+        ASSERT_TRUE(Sound());
+        ASSERT_TRUE(Read() && file->SeekTo(file->RecordCount() - 1));
+        ASSERT_TRUE(Shows(newest + 3, kLength));
+    });
+}
+
+TEST_F(RecordCrash, InARingOfLessThanAChunkLeavesAFileToGoOnWith) {
+    const std::uint64_t maxSize = 24 + kBlock + 1000;
+    const auto trace = Trace(maxSize, 500);
+    int readable = 0;
+    Replay(trace, [&](std::uint32_t) {
+        const bool sound = Sound();
+        const bool kept = Reopen(maxSize);
+        ASSERT_EQ(kept, sound);
+        ASSERT_TRUE(kept || Create(maxSize));
+        ASSERT_TRUE(Append(kLength));
+        Close();
+        ASSERT_TRUE(Sound());
+        readable += kept ? 1 : 0;
+    });
+    EXPECT_GT(readable, 5);
+}
+
+TEST_F(RecordCrash, AFileIsReadableFromItsFirstSecondOn) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(601, 10));
+    Crash();
+    EXPECT_EQ(Header().maxSize, kMiB);
+    EXPECT_TRUE(HoldsRange(0, 599, 10));
+}
+
+}  // namespace
+}  // namespace marvolen::test

@@ -1,0 +1,146 @@
+// Random life of record files against a model of what they must hold.
+
+#include "tests/record/record_model.h"
+
+#include "tests/record/record_fixture.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace marvolen::test {
+namespace {
+
+struct Life {
+    const char* name;
+    std::uint64_t maxSize;
+    std::uint32_t longestFrame;
+    int operations;
+};
+
+class RecordModelTest : public RecordFixture, public ::testing::WithParamInterface<Life> {
+protected:
+    std::uint32_t Any(std::uint64_t below) {
+        return static_cast<std::uint32_t>(random() % std::max<std::uint64_t>(below, 1));
+    }
+
+    // Mostly small, now and then the longest, and often exactly what fits.
+    std::uint32_t AnyLength() {
+        const std::uint32_t longest = GetParam().longestFrame;
+        std::uint64_t length = Any(longest + 1);
+        switch (Any(24)) {
+            case 0:
+                length = model.ToMaximum();
+                break;
+            case 1:
+                length = model.ToMaximum() + 1;
+                break;
+            case 2:
+                length = model.Room();
+                break;
+            case 3:
+                length = model.Room() + 1;
+                break;
+            case 4:
+                length = 0;
+                break;
+            case 5:
+                length = longest;
+                break;
+            default:
+                length = Any(2) == 0 ? length / 16 : length;
+        }
+        return static_cast<std::uint32_t>(length <= longest ? length : Any(longest + 1));
+    }
+
+    std::uint64_t AnyMaximum() {
+        const std::uint64_t usual = GetParam().maxSize;
+        std::uint64_t size = usual;
+        switch (Any(8)) {
+            case 0:
+                size = usual / 2 + Any(usual);
+                break;
+            case 1:
+                size = usual * 2;
+                break;
+            case 2:
+                size = model.Position() - 1 + Any(3);
+                break;
+            case 3:
+                size = model.ChunkPosition(Any(model.Chunks())) - 1 + Any(3);
+                break;
+            case 4:
+                size = model.FileSize() - 1 + Any(3);
+                break;
+            case 5:
+                size = model.Max();
+                break;
+            default:
+                break;
+        }
+        return std::max<std::uint64_t>(size, kSmallestRing);
+    }
+
+    void Compare() {
+        ASSERT_TRUE(Sound());
+        const std::vector<TestRecord> expected = model.Records();
+        if (expected.empty()) {
+            ASSERT_FALSE(Read());
+        } else {
+            ASSERT_TRUE(HoldsExactly(expected));
+        }
+        ASSERT_EQ(Size(), model.FileSize());
+    }
+
+    void EndAndReopen() {
+        if (Any(3) == 0) {
+            Crash();
+            model.Crash();
+        } else {
+            Close();
+            model.Close();
+        }
+        ASSERT_NO_FATAL_FAILURE(Compare());
+        const std::uint64_t maxSize = Any(2) == 0 ? model.Max() : AnyMaximum();
+        const bool kept = model.Reopen(maxSize);
+        ASSERT_EQ(Reopen(maxSize), kept) << maxSize;
+        if (!kept) {
+            ASSERT_TRUE(Create(maxSize));
+            model.Create(maxSize);
+        }
+    }
+
+    std::mt19937 random;
+    RecordModel model;
+};
+
+TEST_P(RecordModelTest, HoldsWhatTheModelHolds) {
+    random.seed(20040229);
+    ASSERT_TRUE(Create(GetParam().maxSize));
+    model.Create(GetParam().maxSize);
+    for (int operation = 0; operation < GetParam().operations; ++operation) {
+        SCOPED_TRACE(operation);
+        if (Any(operation % 4000 < 2000 ? 20 : 400) == 0) {
+            ASSERT_NO_FATAL_FAILURE(EndAndReopen());
+            continue;
+        }
+        const TestRecord record{nextId++, AnyLength()};
+        ASSERT_EQ(AppendRecord(record), model.Append(record)) << record.length;
+    }
+    Close();
+    model.Close();
+    Compare();
+}
+
+INSTANTIATE_TEST_SUITE_P(RecordModel, RecordModelTest,
+                         ::testing::Values(Life{"ABlockAndLittleMore", 20000, 900, 20000},
+                                           Life{"AFewPictures", 250000, 204800, 8000},
+                                           Life{"LessThanAChunk", 1 << 20, 204800, 8000},
+                                           Life{"AboutAChunk", 60000, 120, 30000},
+                                           Life{"AFewChunks", 300000, 100, 30000},
+                                           Life{"ManyChunks", 1 << 20, 40, 60000},
+                                           Life{"ManyLargeChunks", 8 << 20, 3000, 20000},
+                                           Life{"PicturesInChunks", 48 << 20, 30000, 6000}),
+                         [](const auto& instance) { return instance.param.name; });
+
+}  // namespace
+}  // namespace marvolen::test

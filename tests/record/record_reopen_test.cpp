@@ -1,0 +1,305 @@
+// Reopening record files: other maxima, damaged and foreign files, files that can't be had.
+
+#include "record/record_file.h"
+#include "tests/record/record_fixture.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace marvolen::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint64_t kMiB = 1048576;
+constexpr std::uint64_t kBlock = 19240;
+constexpr std::uint64_t kChunkOf10 = kBlock + 6000;  // 600 records of 10 bytes
+
+class RecordReopen : public RecordFixture {};
+
+TEST_F(RecordReopen, GoesOnBehindTheNewestRecord) {
+    ASSERT_TRUE(Create(kMiB));
+    Close();
+    for (int session = 0; session < 3; ++session) {
+        ASSERT_TRUE(Reopen(kMiB) && AppendMany(300, 10));
+        Close();
+    }
+    EXPECT_EQ(Chunk(24).count, 600U);
+    EXPECT_EQ(Entry(24, 300).pos, 24 + kBlock + 3000);
+    EXPECT_EQ(Chunk(24 + kChunkOf10).count, 300U);
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(0, 899, 10));
+}
+
+TEST_F(RecordReopen, AfterACrashTheRecordsOfFullChunksAreThere) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(1300, 10));
+    Crash();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(0, 1199, 10));
+    nextId = 1200;
+    ASSERT_TRUE(Reopen(kMiB) && Append(10)) << "at the empty chunk's first data byte";
+    Close();
+    EXPECT_EQ(Entry(24 + 2 * kChunkOf10, 0).pos, 24 + 2 * kChunkOf10 + kBlock);
+    EXPECT_TRUE(HoldsRange(0, 1200, 10));
+}
+
+TEST_F(RecordReopen, ALargerMaximumLetsAWrappedRingGrowInPlace) {
+    const std::uint64_t small = 24 + 3 * kChunkOf10 + 3000;
+    ASSERT_TRUE(Create(small) && AppendMany(2000, 10));
+    Close();
+    ASSERT_EQ(Header().head, 24 + kChunkOf10);
+    ASSERT_TRUE(Reopen(kMiB));
+    EXPECT_EQ(Header().maxSize, kMiB) << "in the file at once";
+    Crash();
+    EXPECT_TRUE(HoldsRange(600, 1999, 10)) << "readable though it turns before its maximum";
+    // Twice, so that the second time the ring still turns where its file ends.
+    ASSERT_TRUE(Reopen(2 * kMiB) && AppendMany(100, 10));
+    Close();
+    EXPECT_EQ(Size(), small);
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(600, 2099, 10));
+    ASSERT_TRUE(Reopen(2 * kMiB) && AppendMany(10000, 10));
+    Close();
+    EXPECT_GT(Size(), small);
+    EXPECT_TRUE(Sound());
+    ASSERT_TRUE(Read());
+    EXPECT_GT(file->RecordCount(), 9000U);
+}
+
+TEST_F(RecordReopen, ASmallerMaximumAboveTheWholeChainKeepsIt) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(1300, 10));
+    Close();
+    const std::uint64_t end = Size();
+    ASSERT_TRUE(Reopen(end)) << "exactly";
+    EXPECT_EQ(Header().maxSize, end);
+    Close();
+    EXPECT_TRUE(HoldsRange(0, 1299, 10));
+    ASSERT_TRUE(Reopen(end) && Append(10));
+    Close();
+    EXPECT_EQ(Size(), end);
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(600, 1300, 10));
+}
+
+TEST_F(RecordReopen, ASmallerMaximumKeepsTheNewestChunksBelowIt) {
+    // Wrapped: chunks 1 and 2 up there, 3 across the end, 4 and 5 at the start.
+    const std::uint64_t large = 24 + 5 * kChunkOf10 + kBlock / 2;
+    ASSERT_TRUE(Create(large) && AppendMany(8 * 600 + 300, 10));
+    Close();
+    ASSERT_TRUE(Sound());
+    const std::uint64_t second = Header().head;
+    std::uint64_t newest = second;
+    while (Chunk(newest).next != 0) newest = Chunk(newest).next;
+    const std::uint64_t end = newest + kBlock + 3000;
+    ASSERT_LT(end, second) << "wrapped";
+    ASSERT_TRUE(Reopen(end + 100));
+    Close();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(3600, 5099, 10)) << "what lay at the start";
+    ASSERT_TRUE(Reopen(end + 100) && AppendMany(700, 10));
+    Close();
+    EXPECT_EQ(Size(), end + 100);
+    EXPECT_TRUE(Sound());
+}
+
+TEST_F(RecordReopen, ASmallerMaximumBelowTheNewestChunkKeepsTheOnesBefore) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(3 * 600, 10));
+    Close();
+    ASSERT_TRUE(Reopen(24 + 2 * kChunkOf10 + 100));
+    Crash();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(0, 1199, 10));
+    nextId = 1200;
+    ASSERT_TRUE(Reopen(24 + 2 * kChunkOf10 + 100) && AppendMany(50, 10));
+    Close();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(600, 1249, 10));
+    EXPECT_FALSE(Reopen(24 + kChunkOf10 - 1)) << "nothing lies below";
+}
+
+TEST_F(RecordReopen, ARefusedMaximumLeavesTheRecordingUntouched) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(700, 10));
+    Close();
+    const std::string before = ReadWholeFile(path);
+    for (const std::uint64_t size : {0U, 23U, 24U, 19263U}) {
+        EXPECT_FALSE(RecordFile::AcceptsMaxSize(size));
+        EXPECT_FALSE(Reopen(size));
+        EXPECT_FALSE(Create(size));
+        EXPECT_FALSE(file->IsOpen());
+    }
+    EXPECT_EQ(ReadWholeFile(path), before);
+    EXPECT_TRUE(Create(kSmallestRing) && AppendMany(1900, 0)) << "just a block";
+    EXPECT_FALSE(Append(1));
+    Close();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(Create(0xFFFFFFFFULL * kMiB) && Append(10)) << "a maximum of -1 MiB is a large one";
+    Close();
+    EXPECT_TRUE(Reopen(0xFFFFFFFFULL * kMiB));
+}
+
+TEST_F(RecordReopen, AFileInUseIsLeftAlone) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(700, 10));
+    {
+        RecordFile other;
+        EXPECT_FALSE(other.OpenForRead(path));
+        EXPECT_FALSE(other.OpenAppend(path, kMiB));
+        EXPECT_FALSE(other.CreateNew(path, kMiB));
+        RecordScan scan;
+        EXPECT_FALSE(scan.Open(path));
+        EXPECT_EQ(scan.OpenError(), FileOpenError::kInUse);
+    }
+    ASSERT_TRUE(Append(10));
+    Close();
+    EXPECT_TRUE(HoldsRange(0, 700, 10));
+}
+
+TEST_F(RecordReopen, WhatIsNoFileCannotBeOpened) {
+    fs::create_directory("folder");
+    for (const char* name : {"", "folder", "missing/file", "/dev/full"}) {
+        RecordFile other;
+        EXPECT_FALSE(other.OpenForRead(name)) << name;
+        EXPECT_FALSE(other.OpenAppend(name, kMiB)) << name;
+        EXPECT_FALSE(other.CreateNew(name, kMiB)) << name;
+        EXPECT_FALSE(other.IsOpen());
+    }
+    EXPECT_FALSE(Reopen(kMiB)) << "no such file yet";
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_TRUE(file->CreateNew(path, kMiB)) << "the same object goes on";
+}
+
+TEST_F(RecordReopen, AForeignFileIsReplacedOnlyByCreateNew) {
+    const std::string foreign(50000, 'R');
+    WriteWholeFile(path, foreign);
+    EXPECT_FALSE(Read());
+    EXPECT_FALSE(Reopen(kMiB));
+    EXPECT_EQ(ReadWholeFile(path), foreign);
+    ASSERT_TRUE(file->CreateNew(path, kMiB));
+    EXPECT_EQ(Size(), kSmallestRing);
+}
+
+TEST_F(RecordReopen, ATruncatedFileGivesNoWrongRecords) {
+    for (std::uint64_t size = 24 + kChunkOf10 + kBlock + 95; size > 0;
+         size -= size < 200 ? 1 : 97) {
+        nextId = 0;
+        ASSERT_TRUE(Create(kMiB) && AppendMany(610, 10));
+        Close();
+        Cut(size);
+        if (Read()) {
+            ASSERT_EQ(file->RecordCount(), 610U);
+            for (std::uint32_t id = 0; id < 610; ++id) {
+                ASSERT_TRUE(file->SeekTo(id));
+                const bool whole = id < 600 || 24 + kChunkOf10 + kBlock + (id - 599) * 10 <= size;
+                ASSERT_EQ(Shows(id, 10), whole) << size << ' ' << id;
+            }
+        }
+        if (Reopen(kMiB)) {
+            const std::uint32_t kept = 600 + Chunk(24 + kChunkOf10).count;
+            ASSERT_EQ(kept, 610U) << "written back by the close only";
+            ASSERT_TRUE(Append(10));
+            Close();
+            EXPECT_TRUE(Sound()) << size;
+        }
+    }
+}
+
+// Opens a damaged file both ways. Whatever happens, it ends, stays within the ring, and what is
+// appended afterwards is read back.
+class RecordDamage : public RecordReopen {
+protected:
+    void UseDamaged(std::uint32_t nearRecord) {
+        if (Read()) {
+            const FramePtr frame = pool.Acquire();
+            const std::uint32_t count = file->RecordCount();
+            for (const std::uint32_t index : {0U, nearRecord, 599U, 600U, count - 1}) {
+                if (!file->SeekTo(index)) continue;
+                if (file->ReadRecord(*frame)) {
+                    ASSERT_LE(frame->Length(), frame->Capacity());
+                }
+                if (file->StepForward()) file->StepBack();
+            }
+            file->CloseReader();
+        }
+        if (!Reopen(kMaxSize)) return;
+        const std::uint32_t first = nextId;
+        if (AppendMany(3, 1000)) {
+            Close();
+            ASSERT_LE(Size(), kMaxSize);
+            ASSERT_TRUE(Reopen(kMaxSize));
+            Close();
+            if (!Read()) return;  // the oldest chunk is damaged, and still there
+            ASSERT_TRUE(file->SeekTo(file->RecordCount() - 1));
+            ASSERT_TRUE(Shows(first + 2, 1000));
+        }
+    }
+
+    static constexpr std::uint64_t kMaxSize = 60000;
+};
+
+TEST_F(RecordDamage, OfEverySingleByteOfHeaderAndBlocksIsSurvived) {
+    ASSERT_TRUE(Create(kMaxSize) && AppendMany(605, 4));
+    Close();
+    const std::string good = ReadWholeFile(path);
+    const std::uint64_t second = 24 + kBlock + 2400;
+    const auto damage = [&](std::uint64_t position, std::uint32_t nearRecord) {
+        const bool header = position < 64 || (position >= second && position < second + 40);
+        for (const unsigned flip : {0x01U, 0xFFU, 0x80U, 0x10U}) {
+            std::string bytes = good;
+            bytes[position] = static_cast<char>(static_cast<unsigned char>(bytes[position]) ^ flip);
+            Restore(bytes);
+            ASSERT_NO_FATAL_FAILURE(UseDamaged(nearRecord)) << position << ' ' << flip;
+            if (!header) break;
+        }
+    };
+    for (std::uint64_t k = 0; k < 24 + kBlock; ++k) damage(k, static_cast<std::uint32_t>(k / 32));
+    for (std::uint64_t k = 0; k < kBlock; ++k) {
+        damage(second + k, 600 + static_cast<std::uint32_t>(std::min<std::uint64_t>(k / 32, 4)));
+    }
+}
+
+TEST_F(RecordDamage, OfAWholeFieldIsSurvived) {
+    ASSERT_TRUE(Create(kMaxSize) && AppendMany(605, 4));
+    Close();
+    const std::string good = ReadWholeFile(path);
+    const std::uint64_t second = 24 + kBlock + 2400;
+    std::vector<std::uint64_t> fields = {8, 16};
+    for (const std::uint64_t chunk : {std::uint64_t{24}, second}) {
+        for (const std::uint64_t offset : {8, 16, 24, 32, 40, 48, 168, 176, 19208, 19216}) {
+            fields.push_back(chunk + offset);
+        }
+    }
+    for (const std::uint64_t field : fields) {
+        for (const std::uint64_t value :
+             {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{23}, std::uint64_t{24},
+              std::uint64_t{25}, second - 1, second, second + 1, second + kBlock,
+              std::uint64_t{good.size()}, std::uint64_t{601}, kMaxSize - 1, kMaxSize, kMaxSize + 1,
+              2 * kMaxSize, std::uint64_t{1} << 62, std::uint64_t{1} << 63, ~std::uint64_t{0} - 24,
+              ~std::uint64_t{0}}) {
+            Restore(good);
+            Patch(field, value);
+            ASSERT_NO_FATAL_FAILURE(UseDamaged(604)) << field << ' ' << value;
+        }
+    }
+}
+
+TEST_F(RecordDamage, ChainsThatTurnBackAreRefused) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(1300, 4));
+    Close();
+    const std::string good = ReadWholeFile(path);
+    const std::uint64_t second = 24 + kBlock + 2400;
+    const std::uint64_t third = second + kBlock + 2400;
+    for (const auto& [chunk, next] : {std::pair{third, std::uint64_t{24}},
+                                      {third, second},
+                                      {third, third},
+                                      {second, second},
+                                      {second, std::uint64_t{24}}}) {
+        Restore(good);
+        Patch(chunk + 16, next);
+        EXPECT_FALSE(Read()) << chunk << ' ' << next;
+        EXPECT_FALSE(Reopen(kMiB));
+        EXPECT_FALSE(Sound());
+    }
+}
+
+}  // namespace
+}  // namespace marvolen::test
