@@ -120,7 +120,7 @@ TEST_F(RecordTool, SaysWhyAFileCannotBeHad) {
     EXPECT_EQ(Run({"verify", "foreign"}), 1);
     EXPECT_EQ(out,
               "0: not a record file: no RING header\nforeign: damaged, 0 chunks, 0 records, 1 "
-              "findings\n");
+              "finding\n");
 }
 
 TEST_F(RecordTool, KnowsItsUsage) {
