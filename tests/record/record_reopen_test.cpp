@@ -264,7 +264,8 @@ TEST_F(RecordDamage, OfAWholeFieldIsSurvived) {
     const std::uint64_t second = 24 + kBlock + 2400;
     std::vector<std::uint64_t> fields = {8, 16};
     for (const std::uint64_t chunk : {std::uint64_t{24}, second}) {
-        for (const std::uint64_t offset : {8, 16, 24, 32, 40, 48, 168, 176, 19208, 19216}) {
+        for (const std::uint64_t offset :
+             {8U, 16U, 24U, 32U, 40U, 48U, 168U, 176U, 19208U, 19216U}) {
             fields.push_back(chunk + offset);
         }
     }
