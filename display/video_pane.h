@@ -99,6 +99,7 @@ private:
     void PublishView();
     void RedrawTitle();
     void RedrawTime();
+    bool RefreshTimeText();
     bool PaintPicture(QPainter& painter, const PixelRect& video);
 
     TimeGate timeGate;  // timeValid, lastTime, minInterval
