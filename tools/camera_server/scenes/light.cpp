@@ -1,7 +1,5 @@
 #include "tools/camera_server/scenes/light.h"
 
-#include "tools/camera_server/scenes/noise.h"
-
 namespace marvolen::scenes {
 namespace {
 
@@ -109,7 +107,6 @@ void LightUp(Scene& scene, Daylight daylight, float bearing, std::uint32_t seed)
     }
     scene.keyDirection = sky.sunDirection;
     if (daylight == Daylight::Dusk) scene.keyDirection = {0.2F, 1, 0.1F};
-    scene.clock += static_cast<int>(Hash(static_cast<std::int32_t>(seed), 2, 8) % 1500);
 }
 
 void LightRoom(Scene& scene, const Vec3& lampColour, float strength) {

@@ -51,33 +51,44 @@ std::vector<std::uint8_t> Encode(const QImage& image, int quality) {
     return {bytes.begin(), bytes.end()};
 }
 
+// A picture of the given size from one twice as wide and high.
+scenes::Pixels Halve(const scenes::Pixels& pixels, int width, int height) {
+    scenes::Pixels halved;
+    halved.reserve(pixels.size() / 4);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const std::uint32_t* const upper =
+                &pixels[static_cast<std::size_t>(4 * width * y + 2 * x)];
+            const std::uint32_t* const lower = upper + 2 * width;
+            const std::uint32_t four[] = {upper[0], upper[1], lower[0], lower[1]};
+            halved.push_back(scenes::Average(four, 4));
+        }
+    }
+    return halved;
+}
+
 // Paints one view's loop, picture by picture.
 class Painter {
 public:
-    Painter(const View& paintedView, std::size_t loopLength, std::string channelName)
+    Painter(const View& paintedView, std::size_t loopLength, const std::string& name)
         : view(paintedView),
           length(loopLength),
-          name(std::move(channelName)),
           extent(ExtentOf(view.size)),
           // The smallest pictures are painted larger and reduced, which keeps their details.
           scale(view.size == PictureSize::Qsif ? 2 : 1),
           renderer(scenes::SceneFor(view.channel, view.camera, static_cast<float>(loopLength) / 30),
-                   extent.width * scale, extent.height * scale) {}
+                   extent.width * scale, extent.height * scale),
+          overlay(view.channel + 1, name, extent.width, extent.height) {}
 
     PicturePtr Paint(std::size_t position) {
         const float phase = static_cast<float>(position) / static_cast<float>(length);
         scenes::Pixels pixels = renderer.Render(phase);
         renderer.AddNoise(pixels, scenes::Hash(static_cast<std::int32_t>(position), view.channel));
-        QImage image(reinterpret_cast<const uchar*>(pixels.data()), extent.width * scale,
-                     extent.height * scale, QImage::Format_RGB32);
-        image = scale == 1 ? image.copy()
-                           : image.scaled(extent.width, extent.height, Qt::IgnoreAspectRatio,
-                                          Qt::SmoothTransformation);
+        if (scale == 2) pixels = Halve(pixels, extent.width, extent.height);
         const int clock = renderer.TheScene().clock + static_cast<int>(position / 30);
-        scenes::DrawOverlay(image, {.channel = view.channel + 1,
-                                    .name = name,
-                                    .clock = clock,
-                                    .counter = static_cast<int>(position % 1000)});
+        overlay.Draw(pixels, clock, static_cast<int>(position % 1000));
+        const QImage image(reinterpret_cast<const uchar*>(pixels.data()), extent.width,
+                           extent.height, QImage::Format_RGB32);
         if (position == 0) ChooseQuality(image);
         return MakePicture(Encode(image, quality));
     }
@@ -99,10 +110,10 @@ private:
 
     const View view;
     const std::size_t length;
-    const std::string name;
     const PictureExtent extent;
     const int scale;
     const Renderer renderer;
+    const scenes::Overlay overlay;
     int quality = kFirstQuality;
 };
 
