@@ -78,6 +78,7 @@ std::shared_ptr<PictureSource> MakePictures(const CommandLine& commandLine) {
         return std::make_shared<PaintedPictures>(
             PaintedOptions{.loopLength = commandLine.loopLength,
                            .threads = commandLine.renderThreads,
+                           .lowPriority = true,
                            .names = commandLine.names});
     }
     auto folder = std::make_shared<FolderPictures>();

@@ -23,7 +23,9 @@ namespace {
 
 using scenes::Renderer;
 
-constexpr int kPaintingNice = 5;
+// Somebody waits for a view's first picture; the others must not be in anybody's way.
+constexpr int kFirstNice = 5;
+constexpr int kOtherNice = 19;
 constexpr int kFirstQuality = 80;
 constexpr int kQualityStep = 6;
 constexpr int kLowestQuality = 44;
@@ -125,7 +127,10 @@ public:
         options.loopLength = std::max<std::size_t>(options.loopLength, 1);
         const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
         const int count = options.threads > 0 ? options.threads : processors;
-        for (int i = 0; i < count; ++i) threads.emplace_back([this] { Work(); });
+        for (int i = 0; i < count; ++i) {
+            threads.emplace_back([this] { Work(Stage::First); });
+            threads.emplace_back([this] { Work(Stage::Others); });
+        }
     }
 
     ~Studio() {
@@ -140,7 +145,7 @@ public:
     PicturePtr At(const View& view, std::uint64_t position) {
         const std::lock_guard hold(lock);
         const auto [entry, isNew] = loops.try_emplace(view);
-        if (isNew) workWaits.notify_one();
+        if (isNew) workWaits.notify_all();
         const std::vector<PicturePtr>& ready = entry->second.pictures;
         if (ready.empty()) return nullptr;
         return ready[std::min<std::size_t>(position % options.loopLength, ready.size() - 1)];
@@ -162,25 +167,31 @@ private:
         bool busy = false;
     };
 
-    // The idle loop with the fewest pictures; none when all are complete or in work.
-    std::map<View, Loop>::iterator Neediest() {
+    // What a thread paints: the first picture of a view, or those that follow.
+    enum class Stage { First, Others };
+
+    // The idle loop with the fewest pictures at that stage; none when all are complete or in work.
+    std::map<View, Loop>::iterator Neediest(Stage stage) {
         auto found = loops.end();
         for (auto entry = loops.begin(); entry != loops.end(); ++entry) {
             const std::size_t count = entry->second.pictures.size();
             if (entry->second.busy || count == options.loopLength) continue;
+            if ((count == 0) != (stage == Stage::First)) continue;
             if (found == loops.end() || count < found->second.pictures.size()) found = entry;
         }
         return found;
     }
 
-    void Work() {
-        // Applies to this thread alone; pictures must not be late because others are painted.
-        ::setpriority(PRIO_PROCESS, 0, kPaintingNice);
+    void Work(Stage stage) {
+        if (options.lowPriority) {
+            // Applies to this thread alone.
+            ::setpriority(PRIO_PROCESS, 0, stage == Stage::First ? kFirstNice : kOtherNice);
+        }
         std::unique_lock hold(lock);
         for (;;) {
             auto entry = loops.end();
             workWaits.wait(hold, [&] {
-                entry = Neediest();
+                entry = Neediest(stage);
                 return stopping || entry != loops.end();
             });
             if (stopping) return;
@@ -198,7 +209,7 @@ private:
             loop.pictures.push_back(std::move(picture));
             loop.busy = false;
             pictureDone.notify_all();
-            workWaits.notify_one();
+            workWaits.notify_all();
         }
     }
 

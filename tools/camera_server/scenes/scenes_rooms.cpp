@@ -81,17 +81,8 @@ void AddRack(Shapes& shapes, const Vec3& foot, float halfLength, int levels, std
     }
 }
 
-}  // namespace
-
-Scene Reception(const Brief& brief) {
-    Scene scene;
-    LightRoom(scene, Rgb(0xFFF4E2), 0.78F);
-    scene.eye = {-4.4F, 3.0F, -4.6F};
-    scene.target = {1.0F, 0.9F, 4.2F};
-    scene.fieldOfView = 70;
-    Shape floor = GroundOf(Surface::Tiles, Rgb(0xC9C1B2), 0.12F);
-    AddRoom(scene, 6.5F, 3.6F, -8, 9, Rgb(0xDDD6C8), Rgb(0xECEAE4), floor);
-    // A window front on the right with daylight and a garden behind it.
+// A window front on the right with daylight and a garden behind it.
+void AddWindowFront(Scene& scene) {
     for (int i = 0; i < 6; ++i) {
         const float z = -5.6F + 2.5F * static_cast<float>(i);
         scene.still.push_back(Glow({6.42F, 1.75F, z}, {0.04F, 1.35F, 1.12F}, Rgb(0xD4E6F4), 1.25F));
@@ -101,7 +92,10 @@ Scene Reception(const Brief& brief) {
         scene.still.push_back(
             Block({6.35F, 1.75F, z + 1.25F}, {0.08F, 1.45F, 0.07F}, Surface::Plain, Rgb(0x50545A)));
     }
-    // The desk with screens and a sign on the wall behind it.
+}
+
+// The desk with screens and a sign on the wall behind it.
+void AddDesk(Scene& scene) {
     scene.still.push_back(
         Block({0.6F, 0.55F, 5.6F}, {2.4F, 0.55F, 0.45F}, Surface::Wood, Rgb(0x8A5A34)));
     scene.still.push_back(
@@ -117,6 +111,20 @@ Scene Reception(const Brief& brief) {
         scene.still.push_back(Glow({-0.75F + 0.45F * static_cast<float>(i), 2.35F, 8.82F},
                                    {0.13F, 0.22F, 0.03F}, Rgb(0xFFF0D0), 2.0F));
     }
+}
+
+}  // namespace
+
+Scene Reception(const Brief& brief) {
+    Scene scene;
+    LightRoom(scene, Rgb(0xFFF4E2), 0.78F);
+    scene.eye = {-4.4F, 3.0F, -4.6F};
+    scene.target = {1.0F, 0.9F, 4.2F};
+    scene.fieldOfView = 70;
+    Shape floor = GroundOf(Surface::Tiles, Rgb(0xC9C1B2), 0.12F);
+    AddRoom(scene, 6.5F, 3.6F, -8, 9, Rgb(0xDDD6C8), Rgb(0xECEAE4), floor);
+    AddWindowFront(scene);
+    AddDesk(scene);
     for (const float x : {-3.9F, -2.1F}) {
         scene.still.push_back(
             Block({x, 0.3F, 3.4F}, {0.7F, 0.18F, 0.42F}, Surface::Plain, Rgb(0x2F5A6E)));
