@@ -34,6 +34,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
 
 CMarvolenDlg::~CMarvolenDlg() {
     StopAllChannels();
+    for (VideoPane* pane : panes) pane->BeginEnd();
 }
 
 void CMarvolenDlg::OnInitDialog() {
@@ -80,6 +81,8 @@ void CMarvolenDlg::StopAllChannels() {
 }
 
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
+    // The selected pane alone is a stop of the Tab key.
+    for (VideoPane* each : panes) each->setFocusPolicy(each == &pane ? Qt::TabFocus : Qt::NoFocus);
     pane.setFocus();
     pane.SetStatus(PANE_SELECTED, 0);  // the focus comes later while the window isn't shown yet
     currentChannel = pane.index;
@@ -137,7 +140,7 @@ void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
 
 void CMarvolenDlg::OnTimer(std::uint32_t id) {
     KillTimer(id);
-    OpenChannel(static_cast<int>(id));
+    if (id < kChannelCount) OpenChannel(static_cast<int>(id));
 }
 
 void CMarvolenDlg::resizeEvent(QResizeEvent* event) {

@@ -36,7 +36,7 @@ VideoPane::VideoPane(QWidget* parent, DecodeFunction decode)
                   [this] { PostMessage(WM_PANETHREADEXIT, 0, 0); }},
                  std::move(decode)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::NoFocus);  // a pane is selected by its window, which then gives it the focus
     setMouseTracking(true);
 }
 
