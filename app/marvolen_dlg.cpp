@@ -8,11 +8,13 @@
 #include "res/resources.h"
 
 #include <QResizeEvent>
+#include <QScreen>
 
 namespace marvolen {
 namespace {
 
-constexpr QSize kInitialSize(1024, 720);
+constexpr QSize kInitialSize(1408, 1012);  // wide enough for the status marks of every pane
+constexpr QSize kFrameAllowance(16, 48);   // what a window's frame takes of the screen
 constexpr QSize kSmallestSize(320, 240);
 
 }  // namespace
@@ -21,7 +23,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
     setWindowTitle(QStringLiteral("Marvolen"));
     setWindowFlags(Qt::Window);
     setMinimumSize(kSmallestSize);
-    resize(kInitialSize);
+    resize(kInitialSize.boundedTo(screen()->availableSize() - kFrameAllowance));
     AddControl(paneFrame, IDC_PANE_FRAME, QString());
     paneFrame->hide();
     for (int k = 0; k < kChannelCount; ++k) {

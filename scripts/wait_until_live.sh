@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # wait_until_live.sh PROCESS SCREENSHOT.png
 # Waits until the picture in each of the sixteen panes of PROCESS's main window has moved, saves a
-# screenshot of the screen and ends with 0. Names the channels that stay still after 60 seconds, and
-# ends with 1. Needs DISPLAY, xdotool and ImageMagick.
+# screenshot of the screen and ends with 0. Names the channels that stay still for 30 looks, about two
+# minutes, and ends with 1. Needs DISPLAY, xdotool and ImageMagick.
 set -euo pipefail
 
 process=$1
 screenshot=$2
-panelWidth=${MARVOLEN_PANEL_WIDTH:-0}  # right of the panes
-stripHeight=23                         # title strip above each picture
+panelWidth=0    # right of the panes
+stripHeight=23  # title strip above each picture
 
 frames=$(mktemp -d)
 trap 'rm -rf "$frames"' EXIT
