@@ -113,6 +113,12 @@ void AddDesk(Scene& scene) {
     }
 }
 
+// Where on the floor a person can't be seen from eye because of a pillar.
+Vec3 HiddenBehind(const Vec3& pillar, const Vec3& eye) {
+    const Vec3 way = Normalised({pillar.x - eye.x, 0, pillar.z - eye.z});
+    return Vec3{pillar.x, 0, pillar.z} + way * 0.75F;
+}
+
 }  // namespace
 
 Scene Reception(const Brief& brief) {
@@ -137,11 +143,14 @@ Scene Reception(const Brief& brief) {
     AddPlant(scene.still, {-5.7F, 0, 7.9F}, brief.seed);
     AddPlant(scene.still, {5.5F, 0, 7.9F}, brief.seed + 9);
     AddPlant(scene.still, {-5.3F, 0, 4.4F}, brief.seed + 5);
-    const float reach = 0.75F * brief.seconds;
-    for (const float x : {-reach, reach}) {
-        scene.still.push_back(
-            Column({1.4F + x, 1.8F, 2.4F}, 0.34F, 1.8F, Surface::Concrete, Rgb(0xD0CAC0)));
+    // Somebody walks from behind one pillar to behind the other; how far depends on the loop.
+    const float reach = std::min(0.75F * brief.seconds, 4.0F);
+    const Vec3 pillars[] = {{1.4F - reach, 1.8F, 2.4F}, {1.4F + reach, 1.8F, 2.4F}};
+    for (const Vec3& pillar : pillars) {
+        scene.still.push_back(Column(pillar, 0.36F, 1.8F, Surface::Concrete, Rgb(0xD0CAC0)));
     }
+    const Vec3 left = HiddenBehind(pillars[0], scene.eye);
+    const Vec3 right = HiddenBehind(pillars[1], scene.eye);
     for (int i = 0; i < 8; ++i) {
         AddCeilingLamp(scene,
                        {-4.2F + 2.8F * static_cast<float>(i % 4), 3.58F, i < 4 ? 1.5F : 6.0F},
@@ -152,8 +161,7 @@ Scene Reception(const Brief& brief) {
     scene.animate = [=](float phase, Shapes& moving) {
         AddStander(moving, {0.6F, 0, 6.6F}, kPi, phase, CommonPerson(seed * 3 + 1));
         AddStander(moving, {-0.9F, 0, 4.4F}, 0.3F, phase, CommonPerson(seed * 3 + 2));
-        AddWalker(moving, {1.4F - reach, 0, 2.75F}, {1.4F + reach, 0, 2.75F}, phase, seconds,
-                  CommonPerson(seed * 3 + 3));
+        AddWalker(moving, left, right, phase, seconds, CommonPerson(seed * 3 + 3));
         for (const float x : {-0.5F, 1.5F}) {
             moving.push_back(Glow({x, 1.42F, 5.715F}, {0.23F, 0.15F, 0.01F},
                                   Mix(Rgb(0x6AA0D0), Rgb(0x90C0A0), Swing(phase, 2, x)), 0.9F));
