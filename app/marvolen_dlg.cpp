@@ -8,11 +8,13 @@
 #include "res/resources.h"
 
 #include <QResizeEvent>
+#include <QScreen>
 
 namespace marvolen {
 namespace {
 
-constexpr QSize kInitialSize(1024, 720);
+constexpr QSize kInitialSize(1408, 1012);  // wide enough for the status marks of every pane
+constexpr QSize kFrameAllowance(16, 48);   // what a window's frame takes of the screen
 constexpr QSize kSmallestSize(320, 240);
 
 }  // namespace
@@ -21,7 +23,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
     setWindowTitle(QStringLiteral("Marvolen"));
     setWindowFlags(Qt::Window);
     setMinimumSize(kSmallestSize);
-    resize(kInitialSize);
+    resize(kInitialSize.boundedTo(screen()->availableSize() - kFrameAllowance));
     AddControl(paneFrame, IDC_PANE_FRAME, QString());
     paneFrame->hide();
     for (int k = 0; k < kChannelCount; ++k) {
@@ -34,6 +36,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
 
 CMarvolenDlg::~CMarvolenDlg() {
     StopAllChannels();
+    for (VideoPane* pane : panes) pane->BeginEnd();
 }
 
 void CMarvolenDlg::OnInitDialog() {
@@ -86,6 +89,8 @@ void CMarvolenDlg::StopAllChannels(CloseFlag flag) {
 }
 
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
+    // The selected pane alone is a stop of the Tab key.
+    for (VideoPane* each : panes) each->setFocusPolicy(each == &pane ? Qt::TabFocus : Qt::NoFocus);
     pane.setFocus();
     pane.SetStatus(PANE_SELECTED, 0);  // the focus comes later while the window isn't shown yet
     currentChannel = pane.index;
@@ -147,7 +152,7 @@ void CMarvolenDlg::OnTimer(std::uint32_t id) {
     }
     // A failure is left to the next watchdog tick or network event.
     KillTimer(id);
-    OpenChannel(static_cast<int>(id));
+    if (id < kChannelCount) OpenChannel(static_cast<int>(id));
 }
 
 // Every silent channel is restarted, one whose connect attempt is still pending too.

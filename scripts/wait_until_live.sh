@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # wait_until_live.sh PROCESS SCREENSHOT.png
 # Waits until the picture in each of the sixteen panes of PROCESS's main window has moved, saves a
-# screenshot of the screen and ends with 0. Names the channels that stay still after 60 seconds, and
-# ends with 1. Needs DISPLAY, xdotool and ImageMagick.
+# screenshot of the screen and ends with 0. Names the channels that stay still for 30 looks, about two
+# minutes, and ends with 1. Needs DISPLAY, xdotool and ImageMagick.
 set -euo pipefail
 
 process=$1
 screenshot=$2
-panelWidth=${MARVOLEN_PANEL_WIDTH:-0}  # right of the panes
-stripHeight=23                         # title strip above each picture
+panelWidth=0    # right of the panes
+stripHeight=23  # title strip above each picture
 
 frames=$(mktemp -d)
 trap 'rm -rf "$frames"' EXIT
@@ -23,10 +23,11 @@ for _ in $(seq 100); do
 done
 [[ -n $window ]] || { echo "No main window." >&2; exit 1; }
 
-# The picture of pane $2 in the window shot $1.
+# A hash of the picture of pane $2 in the window shot $1.
 pane() {
   local width=$(((WIDTH - panelWidth) / 4)) height=$((HEIGHT / 4))
-  convert "$1" -crop "$((width - 8))x$((height - stripHeight - 8))+$(($2 % 4 * width + 4))+$(($2 / 4 * height + stripHeight + 2))" +repage rgb:-
+  local left=$(($2 % 4 * width + 4)) top=$(($2 / 4 * height + stripHeight + 2))
+  convert "$1" -crop "$((width - 8))x$((height - stripHeight - 8))+$left+$top" +repage rgb:- | sha1sum
 }
 
 still=($(seq 0 15))
@@ -38,7 +39,9 @@ for _ in $(seq 30); do
   import -silent -window "$window" "$frames/after.png"
   waiting=()
   for k in "${still[@]}"; do
-    if cmp -s <(pane "$frames/before.png" "$k") <(pane "$frames/after.png" "$k"); then waiting+=("$k"); fi
+    if [[ $(pane "$frames/before.png" "$k") == "$(pane "$frames/after.png" "$k")" ]]; then
+      waiting+=("$k")
+    fi
   done
   still=("${waiting[@]}")
   if [[ ${#still[@]} -eq 0 ]]; then
