@@ -225,7 +225,7 @@ BENCHMARK(SeekAnywhereAndRead)->Unit(benchmark::kMicrosecond);
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    marvolen::BenchFolder folder;
+    static marvolen::BenchFolder folder;  // removed by exit, too
     marvolen::g_folder = &folder;
     benchmark::RunSpecifiedBenchmarks();
     return 0;
