@@ -25,16 +25,18 @@ trap finish EXIT
 "$bin/camera_server" --port "$firstPort" --write-settings demo/recinfo.bin >demo/camera_server.log 2>&1 &
 server=$!
 processes+=("$server")
-for _ in $(seq 300); do
+for _ in $(seq 600); do
   grep -q '^ready' demo/camera_server.log && break
-  if ! kill -0 "$server" 2>/dev/null; then
-    cat demo/camera_server.log
-    exit 1
-  fi
+  kill -0 "$server" 2>/dev/null || break
   sleep 0.1
 done
+if ! grep -q '^ready' demo/camera_server.log; then
+  cat demo/camera_server.log
+  echo "The camera server isn't ready." >&2
+  exit 1
+fi
 
-if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+if [[ -n ${DISPLAY:-} ]]; then
   echo "Sixteen cameras serve on ports $firstPort to $((firstPort + 15)). Close the window to end."
   (cd demo && "$bin/marvolen")
   exit 0
@@ -43,7 +45,7 @@ fi
 display=90
 while [[ -e /tmp/.X11-unix/X$display || -e /tmp/.X$display-lock ]]; do display=$((display + 1)); done
 export DISPLAY=:$display
-Xvfb "$DISPLAY" -screen 0 1280x960x24 -nolisten tcp >demo/xvfb.log 2>&1 &
+Xvfb "$DISPLAY" -screen 0 1920x1080x24 -nolisten tcp >demo/xvfb.log 2>&1 &
 processes+=($!)
 for _ in $(seq 100); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
 
@@ -58,6 +60,7 @@ else
   exit 1
 fi
 
-# Closing the window is the way a user ends the program.
+# Ends the program as closing its window does.
 kill -TERM "$marvolen"
+timeout 10 tail --pid="$marvolen" -f /dev/null || { echo "The program doesn't end." >&2; exit 1; }
 wait "$marvolen"

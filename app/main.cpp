@@ -2,7 +2,9 @@
 
 #include <QApplication>
 
-int main(int argc, char** argv) {
+int main(int, char** argv) {
+    // The program takes no options, the toolkit's included.
+    int argc = 1;
     QApplication toolkit(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Marvolen"));
     marvolen::CMarvolenApp app;

@@ -12,8 +12,9 @@
 namespace marvolen {
 namespace {
 
-constexpr QSize kTemplateUnits(618, 437);  // dialog units
-constexpr QSize kFrameAllowance(16, 48);   // what a window's frame takes of the screen
+constexpr QSize kTemplateUnits(618, 437);     // dialog units
+constexpr QSize kWantedPaneArea(1408, 1012);  // panes wide enough for their status marks
+constexpr QSize kFrameAllowance(16, 48);      // what a window's frame takes of the screen
 
 }  // namespace
 
@@ -33,6 +34,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
 
 CMarvolenDlg::~CMarvolenDlg() {
     StopAllChannels(CloseFlag::Ordered);
+    for (VideoPane* pane : panes) pane->BeginEnd();
 }
 
 void CMarvolenDlg::OnInitDialog() {
@@ -45,8 +47,7 @@ void CMarvolenDlg::OnInitDialog() {
     setWindowIcon(LoadIcon(IDR_MAIN_ICON));
     controlPanel = new CControlPanelDlg(this);
     controlPanel->CreateModeless();
-    const QSize available = screen()->availableSize() - kFrameAllowance;
-    resize(MapDialogUnits(kTemplateUnits).boundedTo(available));
+    ResizeToScreen();
     FitPanel();
     LayoutPanel();
     messageLog.emplace(controlPanel->MessageList());
@@ -57,6 +58,14 @@ void CMarvolenDlg::OnInitDialog() {
     currentChannel = 0;
     SelectPane(Pane(0));
     for (VideoPane* pane : panes) pane->CreatePopup();
+}
+
+// The template's size at least, and as much more as the panes want, where the screen has it.
+void CMarvolenDlg::ResizeToScreen() {
+    const QSize available = screen()->availableSize() - kFrameAllowance;
+    const QSize wanted =
+        kWantedPaneArea + QSize(controlPanel->PanelSize(available.height()).width(), 0);
+    resize(MapDialogUnits(kTemplateUnits).expandedTo(wanted).boundedTo(available));
 }
 
 void CMarvolenDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
@@ -139,9 +148,7 @@ void CMarvolenDlg::OnPopupPane(int pane) {
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
     controlPanel->ShowRecording((pane.GetStatus() & PANE_RECORDING) != 0);
     // The selected pane alone is a stop of the Tab key; the arrow keys lead to the others.
-    for (VideoPane* each : panes) {
-        each->setFocusPolicy(each == &pane ? Qt::StrongFocus : Qt::ClickFocus);
-    }
+    for (VideoPane* each : panes) each->setFocusPolicy(each == &pane ? Qt::TabFocus : Qt::NoFocus);
     pane.setFocus();
     pane.SetStatus(PANE_SELECTED, 0);  // the focus comes later while the window isn't active
     currentChannel = pane.index;

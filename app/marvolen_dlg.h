@@ -102,6 +102,7 @@ private:
     void LayoutView();
     void PlacePane(VideoPane& pane, const PaneRect& rect);
     PaneRect PaneArea() const;
+    void ResizeToScreen();
     void FitPanel();
     void ShowAbout();
 

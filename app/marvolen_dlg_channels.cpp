@@ -58,7 +58,7 @@ void CMarvolenDlg::OnTimer(std::uint32_t id) {
     if (id == kWatchdogTimer) return OnWatchdog();
     // A failure is left to the next watchdog tick or network event.
     KillTimer(id);
-    OpenChannel(static_cast<int>(id));
+    if (id < kChannelCount) OpenChannel(static_cast<int>(id));
 }
 
 // Every silent channel is restarted, one whose connect attempt is still pending too.

@@ -24,7 +24,7 @@ struct Sample {
     int height;
 };
 
-/// 704 x 480 4:2:0 of about 35, 50 and 70 KB, and the smaller sizes a camera sends.
+// 704 x 480 4:2:0 of about 35, 50 and 70 KB, and the smaller sizes a camera sends.
 const std::vector<Sample>& Samples() {
     static const std::vector<Sample> samples = [] {
         std::vector<Sample> made;
@@ -79,7 +79,7 @@ void DecodeTurbo(benchmark::State& state, const Sample& sample) {
     SetCounters(state, sample);
 }
 
-/// Remembers the times that it prints; of repetitions, the best.
+// Remembers the times that it prints; of repetitions, the best.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override {

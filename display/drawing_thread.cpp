@@ -23,38 +23,52 @@ DrawingThread::DrawingThread(Events threadEvents, DecodeFunction decodeFunction)
 }
 
 DrawingThread::~DrawingThread() {
-    {
-        const std::lock_guard guard(lock);
-        ++generation;
-    }
-    queue.Quit();
+    BeginEnd();
     if (drawThread.joinable()) drawThread.join();
 }
 
+void DrawingThread::BeginEnd() {
+    {
+        const std::lock_guard guard(lock);
+        DropPictures();
+        opened = false;
+        ending = true;
+    }
+    queue.Quit();
+    if (drawThread.joinable()) HastenThread(drawThread);
+}
+
 bool DrawingThread::Open() {
-    std::unique_lock guard(lock);
-    DropPictures(guard);
-    if (!drawThread.joinable()) return false;
+    const std::lock_guard guard(lock);
+    DropPictures();
+    opened = false;
+    if (!drawThread.joinable() || ending) return false;
     if (!drawDib) drawDib.reset(new (std::nothrow) Stretcher);
-    if (!drawDib) return false;
-    picture.InitHeader();
-    return true;
+    opened = drawDib != nullptr;
+    return opened;
 }
 
 void DrawingThread::Close() {
-    std::unique_lock guard(lock);
-    DropPictures(guard);
-    picture.Reset();
-    drawDib.reset();
+    const std::lock_guard guard(lock);
+    DropPictures();
+    opened = false;
+    releaseDue = true;
+    if (!decoding) Release();
 }
 
-// Afterwards the drawing thread uses neither picture nor drawDib until lock is released, and no
-// picture handed over before can become the current image. One that waits is not decoded at all:
-// a thread of idle priority may take long to get to it.
-void DrawingThread::DropPictures(std::unique_lock<std::mutex>& guard) {
+// Afterwards no picture handed over before can become the current image. One that waits is not even
+// decoded.
+void DrawingThread::DropPictures() {
     ++generation;
     imageValid = false;
-    decoded.wait(guard, [this] { return !decoding; });
+}
+
+// With lock held, by whoever finds that the thread isn't using them any more.
+void DrawingThread::Release() {
+    if (!std::exchange(releaseDue, false)) return;
+    picture.Reset();
+    picture.InitHeader();
+    if (!opened) drawDib.reset();
 }
 
 bool DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
@@ -115,7 +129,7 @@ void DrawingThread::DrawPicture() {
 
 bool DrawingThread::BeginPicture() {
     const std::lock_guard guard(lock);
-    decoding = view.shown && drawDib && queuedGeneration == generation;
+    decoding = view.shown && opened && queuedGeneration == generation;
     return decoding;
 }
 
@@ -145,7 +159,7 @@ bool DrawingThread::PublishImage(const PaneView& target) {
 void DrawingThread::EndPicture() {
     const std::lock_guard guard(lock);
     decoding = false;
-    decoded.notify_all();
+    Release();
     busy = 0;
 }
 

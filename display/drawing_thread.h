@@ -17,7 +17,6 @@
 #include "jpeg/dib_image.h"
 #include "platform/thread_queue.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -61,15 +60,20 @@ public:
     // Ends the thread after the decode in progress, if any, and waits for it.
     ~DrawingThread();
 
+    // Tells the thread to end without waiting for it yet, so that threads that end together do it
+    // side by side. Afterwards Open fails and pictures are not taken.
+    void BeginEnd();
+
     DrawingThread(const DrawingThread&) = delete;
     DrawingThread& operator=(const DrawingThread&) = delete;
 
-    // Makes ready to draw. Waits for a decode in progress, whose picture is dropped. False when
-    // the thread could not be started or memory is short; it then stays closed.
+    // Makes ready to draw. The picture of a decode in progress is dropped. False when the thread
+    // could not be started or memory is short; it then stays closed.
     bool Open();
 
-    // Releases the picture and what draws it. Waits for a decode in progress. Pictures handed over
-    // while closed are not decoded.
+    // Releases the picture and what draws it, after the decode in progress if there is one, for
+    // which it doesn't wait: a thread of idle priority may take long on a busy machine. Pictures
+    // handed over while closed are not decoded.
     void Close();
 
     // Hands a copy of a JPEG picture to the thread if it is free; otherwise does nothing. Returns
@@ -100,7 +104,8 @@ private:
     bool StretchPicture(PaneView& target);
     bool PublishImage(const PaneView& target);
     void EndPicture();
-    void DropPictures(std::unique_lock<std::mutex>& guard);
+    void DropPictures();
+    void Release();
 
     // Constant after construction.
     const Events events;
@@ -116,12 +121,14 @@ private:
     ThreadQueue queue;
 
     std::mutex lock;
-    std::condition_variable decoded;
     // Guarded by lock. pictureBuffer is written by the interface thread only while busy is 0 and
     // read by the drawing thread only while it is 1, without the lock.
     std::int32_t busy = 0;  // 1 from the hand-over of a picture until the thread is done with it
     std::vector<std::uint8_t> pictureBuffer;  // the newest JPEG picture; grows by whole kilobytes
+    bool ending = false;                      // BeginEnd was called
+    bool opened = false;                      // between Open and Close
     bool decoding = false;                    // the thread is using picture and drawDib
+    bool releaseDue = false;                  // Close came meanwhile: the thread releases them
     std::uint32_t generation = 0;             // counts Open and Close
     std::uint32_t queuedGeneration = 0;       // generation at the hand-over of the picture
     PaneView view;

@@ -36,7 +36,7 @@ VideoPane::VideoPane(QWidget* parent, DecodeFunction decode)
                   [this] { PostMessage(WM_PANETHREADEXIT, 0, 0); }},
                  std::move(decode)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::NoFocus);  // a pane is selected by its window, which then gives it the focus
     setMouseTracking(true);
 }
 
@@ -93,14 +93,17 @@ void VideoPane::RedrawTitle() {
     RedrawTime();
 }
 
-// Brings the time text up to date wherever it is shown. While there is no time, the text drawn last
-// stays until the strip is redrawn.
+// While there is no time, the text drawn last stays until the strip is redrawn.
 void VideoPane::RedrawTime() {
+    if (RefreshTimeText()) update(ToQRect(kTimeRect));
+}
+
+// Brings time text and pop-up up to date. Returns whether there is a time to show.
+bool VideoPane::RefreshTimeText() {
     const SYSTEMTIME* time = timeGate.Time();
-    if (!time) return;
-    FormatTimeInto(*time, timeText);
-    update(ToQRect(kTimeRect));
+    if (time) FormatTimeInto(*time, timeText);
     if (popup && popup->isVisible()) popup->RefreshPopup();
+    return time != nullptr;
 }
 
 void VideoPane::paintEvent(QPaintEvent* event) {
@@ -110,9 +113,8 @@ void VideoPane::paintEvent(QPaintEvent* event) {
         painter.fillRect(ToQRect(video), Qt::black);
     }
     if (!event->region().intersects(TitleStripRegion(size()))) return;
-    const SYSTEMTIME* time = timeGate.Time();
-    if (time) FormatTimeInto(*time, timeText);
-    PaintTitleStrip(painter, size(), stripFont, {name, time ? &timeText : nullptr, status}, *marks);
+    const std::string* time = RefreshTimeText() ? &timeText : nullptr;
+    PaintTitleStrip(painter, size(), stripFont, {name, time, status}, *marks);
 }
 
 // Copies the current image pixel by pixel onto the video area; false when there is none that fits.

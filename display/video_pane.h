@@ -54,9 +54,13 @@ public:
     // stay. False when the pane can't draw; it then shows no pictures.
     bool Open(std::string_view newName, std::uint32_t newMinInterval);
 
-    // Releases the picture and forgets the time. Waits for a decode in progress. The name and the
+    // Releases the picture, after a decode in progress, and forgets the time. The name and the
     // status flags stay.
     void Close();
+
+    // Before the pane is destroyed together with others: tells its drawing thread to end without
+    // waiting for it yet. The pane shows no more pictures.
+    void BeginEnd() { drawThread.BeginEnd(); }
 
     // PANE_SELECTED, PANE_CONNECTED, PANE_RECORDING.
     std::uint32_t GetStatus() const { return status; }
@@ -99,6 +103,7 @@ private:
     void PublishView();
     void RedrawTitle();
     void RedrawTime();
+    bool RefreshTimeText();
     bool PaintPicture(QPainter& painter, const PixelRect& video);
 
     TimeGate timeGate;  // timeValid, lastTime, minInterval

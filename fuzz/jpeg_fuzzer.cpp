@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Larger pictures only make the fuzzer slow: what they run through, small ones do too.
+// Larger pictures only make the fuzzer slow: what they run through, small ones do too.
 constexpr int kMaxPixels = 256 * 256;
 
 class PortionSource final : public marvolen::JpegSource {

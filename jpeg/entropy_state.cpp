@@ -5,7 +5,7 @@
 namespace marvolen {
 namespace {
 
-/// How far a restart marker is searched.
+// How far a restart marker is searched.
 constexpr int kRestartSearchBytes = 1536;
 
 }  // namespace

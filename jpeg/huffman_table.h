@@ -5,46 +5,46 @@
 
 namespace marvolen {
 
-/// The coefficient value of `size` (1..15) bits (ITU-T T.81, F.2.2.1, EXTEND).
+// The coefficient value of size (1..15) bits (ITU-T T.81, F.2.2.1, EXTEND).
 constexpr int ExtendCoefficient(std::uint32_t bits, int size) {
     const int value = static_cast<int>(bits);
     return value < 1 << (size - 1) ? value - (1 << size) + 1 : value;
 }
 
-/// A Huffman decoding table (ITU-T T.81, Annex C and F.2.2.3).
-///
-/// `lookahead`, `codeLength` and `tree` define what every bit sequence means, also one that no code
-/// begins: such a prefix is symbol 0, with the length of symbol 0's code (0 if it has none).
-/// `direct` says the same of the next `kDirectBits` bits in one step, together with the coefficient
-/// that follows where it still fits. An all-zero object is a valid empty table.
+// A Huffman decoding table (ITU-T T.81, Annex C and F.2.2.3).
+//
+// lookahead, codeLength and tree define what every bit sequence means, also one that no code
+// begins: such a prefix is symbol 0, with the length of symbol 0's code (0 if it has none).
+// direct says the same of the next kDirectBits bits in one step, together with the coefficient
+// that follows where it still fits. An all-zero object is a valid empty table.
 class HuffmanTable {
 public:
-    /// What a symbol means: a size (DC), or a run of zeros in the high and a size in the low
-    /// nibble.
+    // What a symbol means: a size (DC), or a run of zeros in the high and a size in the low
+    // nibble.
     enum class Use { Dc, Ac };
 
     static constexpr int kDirectBits = 10;
 
-    /// An entry of the direct table.
+    // An entry of the direct table.
     class Direct {
     public:
-        /// A whole coefficient: skip `Run` zeros, then `Value`.
+        // A whole coefficient: skip Run zeros, then Value.
         static constexpr Direct Coefficient(int bits, int run, int value) {
             return Direct(value * 0x10000 + (run << 8 | kIsCoefficient | bits));
         }
-        /// A symbol without the bits that follow it.
+        // A symbol without the bits that follow it.
         static constexpr Direct Symbol(int bits, int symbol) {
             return Direct(symbol * 0x10000 + (kIsSymbol | bits));
         }
         constexpr Direct() = default;
 
-        /// Both false: the code is longer than the direct table sees.
+        // Both false: the code is longer than the direct table sees.
         constexpr bool IsCoefficient() const { return (packed & kIsCoefficient) != 0; }
         constexpr bool IsSymbol() const { return (packed & kIsSymbol) != 0; }
-        /// Bits to consume, 0..16.
+        // Bits to consume, 0..16.
         constexpr int Bits() const { return packed & 0x1F; }
         constexpr int Run() const { return packed >> 8 & 0xFF; }
-        /// The coefficient or the symbol.
+        // The coefficient or the symbol.
         constexpr int Value() const { return packed >> 16; }
 
     private:
@@ -55,18 +55,18 @@ public:
         std::int32_t packed = 0;
     };
 
-    /// Is there room for all codes, with `counts[1..16]` codes of each length? (An all-ones code is
-    /// allowed.)
+    // Is there room for all codes, with counts[1..16] codes of each length? (An all-ones code is
+    // allowed.)
     static bool FitsCodeSpace(const std::uint8_t* counts);
 
-    /// Makes the table for a code that `FitsCodeSpace`: `counts` as above, at most 255 codes in
-    /// all, and their symbols in code order.
+    // Makes the table for a code that FitsCodeSpace: counts as above, at most 255 codes in
+    // all, and their symbols in code order.
     void Build(const std::uint8_t* counts, const std::uint8_t* symbols, Use use);
 
-    /// What the next `kDirectBits` bits mean.
+    // What the next kDirectBits bits mean.
     Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
 
-    /// Decodes and consumes one symbol (0..255).
+    // Decodes and consumes one symbol (0..255).
     template <class BitReader>
     int DecodeSymbol(BitReader& reader) const {
         const Decoded decoded = Decode(reader.Peek16());
@@ -75,8 +75,8 @@ public:
     }
 
 private:
-    /// A tree of 255 codes of up to 16 bits has at most 261 nodes below the lookahead: one fewer
-    /// than codes, and up to eight more on the edge behind the last code.
+    // A tree of 255 codes of up to 16 bits has at most 261 nodes below the lookahead: one fewer
+    // than codes, and up to eight more on the edge behind the last code.
     static constexpr int kMaxNodes = 264;
 
     struct Decoded {
@@ -84,7 +84,7 @@ private:
         int length;
     };
 
-    /// Decodes the first symbol of 16 bits.
+    // Decodes the first symbol of 16 bits.
     Decoded Decode(std::uint32_t window) const {
         std::int32_t entry = lookahead[window >> 8];
         if (entry >= 0) return {entry, codeLength[static_cast<std::size_t>(entry)]};
@@ -96,7 +96,7 @@ private:
         return {entry, length};
     }
 
-    /// Where node `node` keeps what follows for the next bit.
+    // Where a node keeps what follows for the next bit.
     static constexpr std::size_t Branch(std::int32_t node, std::uint32_t bit) {
         return static_cast<std::size_t>(-node) - bit;
     }
@@ -104,11 +104,11 @@ private:
     void AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode);
     Direct MakeDirect(std::uint32_t bits, Use use) const;
 
-    /// By the next 8 bits: a symbol, or (negative) the node from which a longer code goes on.
+    // By the next 8 bits: a symbol, or (negative) the node from which a longer code goes on.
     std::array<std::int32_t, 256> lookahead;
-    /// By symbol: the length of its code; of its last one where a symbol has several.
+    // By symbol: the length of its code; of its last one where a symbol has several.
     std::array<std::uint8_t, 256> codeLength;
-    /// By `Branch`: a symbol or a further node.
+    // By Branch: a symbol or a further node.
     std::array<std::int32_t, 2 * kMaxNodes> tree;
     std::array<Direct, 1 << kDirectBits> direct;
 };

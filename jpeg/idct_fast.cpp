@@ -29,12 +29,12 @@ constexpr std::int16_t Add(std::int16_t a, std::int16_t b) {
 constexpr std::int16_t Subtract(std::int16_t a, std::int16_t b) {
     return static_cast<std::int16_t>(a - b);
 }
-/// The high half of (a x 4) x constant: a times a constant with 14 fractional bits.
+// The high half of (a x 4) x constant: a times a constant with 14 fractional bits.
 constexpr std::int16_t Scale(std::int16_t a, int constant) {
     return static_cast<std::int16_t>((static_cast<std::int16_t>(a << 2) * constant) >> 16);
 }
 
-/// The one-dimensional transform down each of the eight columns.
+// The one-dimensional transform down each of the eight columns.
 inline void TransformColumns(Block& block) {
     for (std::size_t i = 0; i < 8; ++i) {
         const auto row = [&](std::size_t r) -> std::int16_t& { return block[8 * r + i]; };

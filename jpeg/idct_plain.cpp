@@ -29,7 +29,7 @@ constexpr std::uint32_t k3_072 = 25172;
 
 using Eight = std::array<std::uint32_t, 8>;
 
-/// The one-dimensional transform; the results carry 13 more fractional bits.
+// The one-dimensional transform; the results carry 13 more fractional bits.
 Eight Transform(const Eight& x) {
     const std::uint32_t z1 = (x[2] + x[6]) * k0_541;
     const std::uint32_t p2 = z1 - x[6] * k1_847;
@@ -54,7 +54,7 @@ Eight Transform(const Eight& x) {
     return {a0 + b3, a1 + b2, a2 + b1, a3 + b0, a3 - b0, a2 - b1, a1 - b2, a0 - b3};
 }
 
-/// value / 2^bits, rounded to the nearest.
+// value / 2^bits, rounded to the nearest.
 std::int32_t RoundShift(std::uint32_t value, int bits) {
     return static_cast<std::int32_t>(value + (1U << (bits - 1))) >> bits;
 }

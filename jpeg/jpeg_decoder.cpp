@@ -18,7 +18,7 @@ JpegDecoder::~JpegDecoder() {
     Release();
 }
 
-/// Runs `work`; a failure is stored and everything released. True on success.
+// Runs the work; a failure is stored and everything released. True on success.
 template <class Work>
 bool JpegDecoder::Guarded(Work&& work) {
     try {
@@ -79,7 +79,7 @@ void JpegDecoder::Start() {
     started = true;
 }
 
-/// The rows of a sequential picture are built from its first scan alone.
+// The rows of a sequential picture are built from its first scan alone.
 void JpegDecoder::RequireCompleteScan() const {
     if (scan.componentCount != frame.componentCount) Fail(kJpegErrorComponents);
     for (int i = 0; i < scan.componentCount; ++i) {

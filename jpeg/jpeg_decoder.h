@@ -18,49 +18,49 @@
 
 namespace marvolen {
 
-/// Decodes one JPEG picture (ITU-T T.81) row by row: Huffman-coded sequential and progressive
-/// frames of 8-bit samples, gray or YCbCr, up to 8192 x 8192 pixels. docs/jpeg_decoder.md says what
-/// is accepted and how the arithmetic goes.
-///
-/// Use: construct; `GetError`, stop if not 0; `StartDecompress`, stop if not 0; the size;
-/// `ReadScanline` until it returns non-zero; destroy. A decoder serves one picture. Once an error
-/// is stored it stays, every block of memory is already freed, and only destruction remains.
-///
-/// One thread uses a decoder and its source; decoders share nothing but constants. Running out of
-/// data is no error: the stream goes on with end-of-image markers, so that a truncated picture is
-/// still a picture. The object takes about 12 KB, on the stack where it is used.
+// Decodes one JPEG picture (ITU-T T.81) row by row: Huffman-coded sequential and progressive
+// frames of 8-bit samples, gray or YCbCr, up to 8192 x 8192 pixels. docs/jpeg_decoder.md says what
+// is accepted and how the arithmetic goes.
+//
+// Use: construct; GetError, stop if not 0; StartDecompress, stop if not 0; the size;
+// ReadScanline until it returns non-zero; destroy. A decoder serves one picture. Once an error
+// is stored it stays, every block of memory is already freed, and only destruction remains.
+//
+// One thread uses a decoder and its source; decoders share nothing but constants. Running out of
+// data is no error: the stream goes on with end-of-image markers, so that a truncated picture is
+// still a picture. The object takes about 12 KB, on the stack where it is used.
 class JpegDecoder {
 public:
-    /// Takes `source` (borrowed; it must outlive the decoder) and reads up to and including the
-    /// frame header. `fast` chooses the fast path, which every pane uses; see `JpegPath`. Failure
-    /// shows in `GetError`.
+    // Takes source (borrowed; it must outlive the decoder) and reads up to and including the
+    // frame header. fast chooses the fast path, which every pane uses; see JpegPath. Failure
+    // shows in GetError.
     JpegDecoder(JpegSource* newSource, bool fast);
 
-    /// Calls `End` on the source if it is still held.
+    // Calls End on the source if it is still held.
     ~JpegDecoder();
 
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
-    /// The stored error: 0, or a `JpegError`.
+    // The stored error: 0, or a JpegError.
     int GetError() const { return error; }
 
-    /// Reads on to the first row: of a progressive picture all scans, of a sequential one the scan
-    /// header. Returns 0, also when already started, or -1 when an error is or was stored.
+    // Reads on to the first row: of a progressive picture all scans, of a sequential one the scan
+    // header. Returns 0, also when already started, or -1 when an error is or was stored.
     int StartDecompress();
 
-    /// From the frame header: pixels, pixels, components.
+    // From the frame header: pixels, pixels, components.
     int GetWidth() const { return frame.width; }
     int GetHeight() const { return frame.height; }
     int GetComponents() const { return frame.componentCount; }
 
-    /// 1 for gray, 4 for colour; valid after `StartDecompress`.
+    // 1 for gray, 4 for colour; valid after StartDecompress.
     int GetBytesPerPixel() const { return frame.bytesPerPixel; }
 
-    /// Hands out the next row, top to bottom. Returns 0 with `*row` and `*rowBytes` (width x bytes
-    /// per pixel) set: gray bytes, or R, G, B, 0. The row belongs to the decoder and stays valid
-    /// until the next call. Returns 1 when all rows have been handed out; -1 when an error is
-    /// stored or the decoder has not started; -227 when decoding failed now (`GetError` says why).
+    // Hands out the next row, top to bottom. Returns 0 with *row and *rowBytes (width x bytes
+    // per pixel) set: gray bytes, or R, G, B, 0. The row belongs to the decoder and stays valid
+    // until the next call. Returns 1 when all rows have been handed out; -1 when an error is
+    // stored or the decoder has not started; -227 when decoding failed now (GetError says why).
     int ReadScanline(const std::uint8_t** row, int* rowBytes);
 
 private:
@@ -79,7 +79,7 @@ private:
     const bool fast;
     const JpegKernels& kernels;
 
-    JpegSource* source;  ///< null once released
+    JpegSource* source;  // null once released
     AllocationTable allocations;
     JpegTables tables;
     JpegFrame frame;

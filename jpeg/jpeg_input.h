@@ -9,40 +9,40 @@
 
 namespace marvolen {
 
-/// The byte level of the decoder: a 4096-byte window onto the source, read either raw (marker
-/// segments) or as entropy-coded data with stuffed zeros removed (ITU-T T.81, B.1.1.5).
-///
-/// The stream never ends: behind the last byte of the source follow the bytes FF D9, the
-/// end-of-image marker, over and over. Such invented bytes are read like any raw byte, but in
-/// entropy-coded data they are plain data: never a marker, never the start of a stuffed pair.
-///
-/// Every operation may have to refill and then throws `JpegFailure` (-232) when the source fails.
+// The byte level of the decoder: a 4096-byte window onto the source, read either raw (marker
+// segments) or as entropy-coded data with stuffed zeros removed (ITU-T T.81, B.1.1.5).
+//
+// The stream never ends: behind the last byte of the source follow the bytes FF D9, the
+// end-of-image marker, over and over. Such invented bytes are read like any raw byte, but in
+// entropy-coded data they are plain data: never a marker, never the start of a stuffed pair.
+//
+// Every operation may have to refill and then throws JpegFailure (-232) when the source fails.
 class JpegInput {
 public:
     static constexpr int kBufferBytes = 4096;
     static constexpr int kEdgeBytes = 128;
-    /// How many bytes can always be unread.
+    // How many bytes can always be unread.
     static constexpr int kMaxUnread = 4;
 
     JpegInput() = default;
     JpegInput(const JpegInput&) = delete;
     JpegInput& operator=(const JpegInput&) = delete;
 
-    /// Starts reading from `newSource`, which the caller keeps alive.
+    // Starts reading from newSource, which the caller keeps alive.
     void Attach(JpegSource* newSource) { source = newSource; }
 
-    /// The next byte as it stands.
+    // The next byte as it stands.
     std::uint8_t ReadRaw() {
         if (bytesAvailable == 0) return ReadRawSlow();
         --bytesAvailable;
         return *readPointer++;
     }
 
-    /// The next byte of entropy-coded data. FF 00 reads as FF. A marker is not consumed: FF is
-    /// returned, now and at every further call.
+    // The next byte of entropy-coded data. FF 00 reads as FF. A marker is not consumed: FF is
+    // returned, now and at every further call.
     std::uint8_t ReadEntropy();
 
-    /// The next six bytes of entropy-coded data, the first in bits 47..40.
+    // The next six bytes of entropy-coded data, the first in bits 47..40.
     std::uint64_t ReadEntropy48() {
         if (bytesAvailable >= kFastBytes) {
             std::uint64_t eight;
@@ -58,8 +58,8 @@ public:
         return ReadEntropy48Slow();
     }
 
-    /// Puts the last `count` bytes that were read (at most `kMaxUnread`, real or invented) back in
-    /// front of the read position.
+    // Puts the last count bytes that were read (at most kMaxUnread, real or invented) back in
+    // front of the read position.
     void Unread(int count);
 
 private:
@@ -70,7 +70,7 @@ private:
         value = (value & 0x0000FFFF0000FFFF) << 16 | (value >> 16 & 0x0000FFFF0000FFFF);
         return value << 32 | value >> 32;
     }
-    /// Is one of the six low bytes FF? (The carry trick for a zero byte, on the complement.)
+    // Is one of the six low bytes FF? (The carry trick for a zero byte, on the complement.)
     static constexpr bool HasByteFf(std::uint64_t six) {
         const std::uint64_t inverse = ~six & 0x0000FFFFFFFFFFFF;
         return ((inverse - 0x0000010101010101) & ~inverse & 0x0000808080808080) != 0;
@@ -81,13 +81,13 @@ private:
     std::uint64_t ReadEntropy48Slow();
     void Fill();
 
-    /// The push-back area, the buffer and its tail.
+    // The push-back area, the buffer and its tail.
     std::array<std::uint8_t, kEdgeBytes + kBufferBytes + kEdgeBytes> storage{};
     JpegSource* source = nullptr;
     const std::uint8_t* readPointer = storage.data() + kEdgeBytes;
     std::int32_t bytesAvailable = 0;
     bool endOfInput = false;
-    /// Bytes invented so far; its lowest bit alternates between FF (0) and D9 (1).
+    // Bytes invented so far; its lowest bit alternates between FF (0) and D9 (1).
     std::uint64_t inventedBytes = 0;
 };
 

@@ -10,41 +10,41 @@
 
 namespace marvolen {
 
-/// The inner loops of the decoder, one set for each kind of processor. All sets give the same bytes
-/// for the same input, whatever it is; "portable" is the reference. Kernels keep no state and run
-/// on any thread.
+// The inner loops of the decoder, one set for each kind of processor. All sets give the same bytes
+// for the same input, whatever it is; "portable" is the reference. Kernels keep no state and run
+// on any thread.
 struct JpegKernels {
-    /// Dequantises 64 quantised coefficients with a fast-path table and transforms them into 8
-    /// lines of 8 samples that start `stride` bytes apart. Coefficients and table are in natural
-    /// order.
+    // Dequantises 64 quantised coefficients with a fast-path table and transforms them into 8
+    // lines of 8 samples that start stride bytes apart. Coefficients and table are in natural
+    // order.
     using FastIdct = void (*)(const std::int16_t* coefficients, const std::int16_t* table,
                               std::uint8_t* samples, std::ptrdiff_t stride);
-    /// Transforms 64 dequantised coefficients into 8 lines of 8 samples.
+    // Transforms 64 dequantised coefficients into 8 lines of 8 samples.
     using PlainIdct = void (*)(const std::int16_t* coefficients, std::uint8_t* samples,
                                std::ptrdiff_t stride);
-    /// Builds a row of colour pixels (R, G, B, 0) in `first` from the first `chromaSamples` samples
-    /// of Cb and Cr, each repeated over the pixels it covers. In the modes with Y sampled twice
-    /// down the row below goes to `second`; the others leave it and `yBelow` alone.
+    // Builds a row of colour pixels (R, G, B, 0) in first, from the first chromaSamples samples
+    // of Cb and Cr, each repeated over the pixels it covers. In the modes with Y sampled twice
+    // down the row below goes to second; the others leave it and yBelow alone.
     using BuildColour = void (*)(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
                                  std::uint8_t* second);
-    /// Turns `pixels` pixels of an output row into B, G, R.
+    // Turns that many pixels of an output row into B, G, R.
     using PackRow = void (*)(const std::uint8_t* row, int pixels, std::uint8_t* bgr);
 
     const char* name;
     FastIdct fastIdct;
     PlainIdct plainIdct;
-    std::array<BuildColour, kColourModes> buildColour;  ///< by `ColourMode`; none for gray
-    PackRow packGray;                                   ///< from one byte a pixel
-    PackRow packColour;                                 ///< from four bytes a pixel
+    std::array<BuildColour, kColourModes> buildColour;  // by ColourMode; none for gray
+    PackRow packGray;                                   // from one byte a pixel
+    PackRow packColour;                                 // from four bytes a pixel
 };
 
-/// Every set that this processor can run, the portable one first.
+// Every set that this processor can run, the portable one first.
 std::span<const JpegKernels* const> AvailableJpegKernels();
 
-/// The set that new decoders use: the best one, unless another was forced.
+// The set that new decoders use: the best one, unless another was forced.
 const JpegKernels& ActiveJpegKernels();
 
-/// Makes new decoders use `kernels`, or the best ones again when null. For tests and benchmarks.
+// Makes new decoders use these kernels, or the best ones again when null. For tests and benchmarks.
 void ForceJpegKernels(const JpegKernels* kernels);
 
 }  // namespace marvolen

@@ -9,7 +9,7 @@
 
 namespace marvolen {
 
-/// Marker codes (ITU-T T.81, table B.1) that the decoder tells apart.
+// Marker codes (ITU-T T.81, table B.1) that the decoder tells apart.
 enum JpegMarker : std::uint8_t {
     kMarkerTem = 0x01,
     kMarkerSof0 = 0xC0,
@@ -29,31 +29,31 @@ enum JpegMarker : std::uint8_t {
     kMarkerDri = 0xDD,
 };
 
-/// The marker layer (ITU-T T.81, B.1 and B.2): finds markers, fills `JpegTables` on the way and
-/// parses frame and scan headers. Every operation reads from the bit reader primed for markers and
-/// throws `JpegFailure` at the first thing that is wrong.
+// The marker layer (ITU-T T.81, B.1 and B.2): finds markers, fills JpegTables on the way and
+// parses frame and scan headers. Every operation reads from the bit reader primed for markers and
+// throws JpegFailure at the first thing that is wrong.
 class MarkerReader {
 public:
-    /// The arguments are borrowed. `fast` chooses the form of the quantisation tables.
+    // The arguments are borrowed. fast chooses the form of the quantisation tables.
     MarkerReader(PlainBitReader& newReader, JpegTables& newTables, AllocationTable& newAllocations,
                  bool newFast)
         : reader(newReader), tables(newTables), allocations(newAllocations), fast(newFast) {}
 
-    /// Consumes everything up to and including the start-of-image marker, which must begin within
-    /// the first 512 bytes: else -217.
+    // Consumes everything up to and including the start-of-image marker, which must begin within
+    // the first 512 bytes: else -217.
     void FindStartOfImage();
 
-    /// The code of the next SOFn, SOI, EOI or SOS; its segment is unread. Tables and the restart
-    /// interval before it are taken in, other segments are skipped.
+    // The code of the next SOFn, SOI, EOI or SOS; its segment is unread. Tables and the restart
+    // interval before it are taken in, other segments are skipped.
     std::uint8_t NextMarker();
 
-    /// Parses a frame header after its SOFn.
+    // Parses a frame header after its SOFn.
     void ReadFrameHeader(JpegFrame& frame);
 
-    /// Parses a scan header after its SOS. A sequential scan always covers coefficients 0..63.
+    // Parses a scan header after its SOS. A sequential scan always covers coefficients 0..63.
     void ReadScanHeader(const JpegFrame& frame, JpegScan& scan);
 
-    /// MCUs between restart markers, 0 for none.
+    // MCUs between restart markers, 0 for none.
     int RestartInterval() const { return restartInterval; }
 
 private:

@@ -7,14 +7,14 @@
 
 namespace marvolen {
 
-/// A source over one byte range that the caller owns and keeps unchanged while the source lives.
-/// Construction copies nothing.
+// A source over one byte range that the caller owns and keeps unchanged while the source lives.
+// Construction copies nothing.
 class MemoryJpegSource final : public JpegSource {
 public:
     MemoryJpegSource(const std::uint8_t* bytes, std::size_t length)
         : current(bytes), end(bytes + length) {}
 
-    /// Never fails; reports the end together with the last byte.
+    // Never fails; reports the end together with the last byte.
     int Read(void* destination, int maxCount, bool* endOfData) override;
 
 private:

@@ -26,8 +26,8 @@ using Samples = std::array<std::uint8_t, N>;
 template <std::size_t N>
 using Words = std::array<std::int16_t, N>;
 
-/// What N chroma samples do to one colour. An offset is kept as two magnitudes, one of which is 0:
-/// y + `up` - `down`, each step saturating at 255 and 0, is the clamped sum in 8 bits.
+// What N chroma samples do to one colour. An offset is kept as two magnitudes, one of which is 0:
+// y + up - down, each step saturating at 255 and 0, is the clamped sum in 8 bits.
 template <std::size_t N>
 struct Offsets {
     Samples<N> up;
@@ -57,8 +57,8 @@ struct ColourOffsets {
     Offsets<N> blue;
 };
 
-/// (value x multiplier + 32768) >> 16 for -128 <= value < 128: half of the doubled value's high
-/// product, rounded up, which needs no more than 16 bits.
+// (value x multiplier + 32768) >> 16 for -128 <= value < 128: half of the doubled value's high
+// product, rounded up, which needs no more than 16 bits.
 template <std::size_t N>
 Words<N> Scaled(const Words<N>& values, int multiplier) {
     Words<N> high;
@@ -73,7 +73,7 @@ Words<N> Scaled(const Words<N>& values, int multiplier) {
     return scaled;
 }
 
-/// The colour factors are split into a whole number and a multiplier of 16 bits.
+// The colour factors are split into a whole number and a multiplier of 16 bits.
 template <std::size_t N>
 ColourOffsets<N> ChromaOffsets(const Samples<N>& cb, const Samples<N>& cr) {
     constexpr std::int16_t kGreenCb = -22554;
@@ -99,7 +99,7 @@ ColourOffsets<N> ChromaOffsets(const Samples<N>& cb, const Samples<N>& cr) {
     return offsets;
 }
 
-/// a[0], b[0], a[1], b[1], ...
+// a[0], b[0], a[1], b[1], ...
 template <class T, std::size_t N>
 std::array<T, 2 * N> Interleave(const std::array<T, N>& a, const std::array<T, N>& b) {
     std::array<T, 2 * N> both;
@@ -122,7 +122,7 @@ ColourOffsets<2 * N> Twice(const ColourOffsets<N>& offsets) {
             {Twice(offsets.blue.up), Twice(offsets.blue.down)}};
 }
 
-/// Writes the first `count` of N pixels: R, G, B and the fourth byte, which is 0.
+// Writes the first count of N pixels: R, G, B and the fourth byte, which is 0.
 template <std::size_t N>
 void PutPixels(const std::uint8_t* line, const ColourOffsets<N>& offsets, std::size_t count,
                std::uint8_t* out) {

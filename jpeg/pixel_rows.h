@@ -4,10 +4,10 @@
 
 namespace marvolen {
 
-/// The sample lines that one output row, or a pair of rows, is built from.
+// The sample lines that one output row, or a pair of rows, is built from.
 struct SampleLines {
     const std::uint8_t* y;
-    const std::uint8_t* yBelow;  ///< the line of the second row of a pair
+    const std::uint8_t* yBelow;  // the line of the second row of a pair
     const std::uint8_t* cb;
     const std::uint8_t* cr;
 };

@@ -6,48 +6,48 @@
 
 namespace marvolen {
 
-/// The bit reader of marker segments, of progressive scans and of the plain path: 32 bits, refilled
-/// two bytes at a time.
-///
-/// The next bit of the stream is the register's highest. The register holds `bitsAvailable` + 16
-/// valid bits; between reads `bitsAvailable` is 1..16, so that 16 bits can always be peeked.
+// The bit reader of marker segments, of progressive scans and of the plain path: 32 bits, refilled
+// two bytes at a time.
+//
+// The next bit of the stream is the register's highest. The register holds bitsAvailable + 16
+// valid bits; between reads bitsAvailable is 1..16, so that 16 bits can always be peeked.
 class PlainBitReader {
 public:
     explicit PlainBitReader(JpegInput& newInput) : input(&newInput) {}
 
-    /// Drops what is held and takes the next four raw bytes: ready for marker segments.
+    // Drops what is held and takes the next four raw bytes: ready for marker segments.
     void PrimeForMarkers() {
         bits = 0;
         for (int i = 0; i < 4; ++i) bits = bits << 8 | input->ReadRaw();
         bitsAvailable = 16;
     }
 
-    /// Drops what is held and takes the next four bytes of entropy-coded data.
+    // Drops what is held and takes the next four bytes of entropy-coded data.
     void PrimeForScan() {
         bits = 0;
         for (int i = 0; i < 4; ++i) bits = bits << 8 | input->ReadEntropy();
         bitsAvailable = 16;
     }
 
-    /// Puts the whole bytes that are held, real or invented, back into the input. Prime next.
+    // Puts the whole bytes that are held, real or invented, back into the input. Prime next.
     void GiveBack() { input->Unread(bitsAvailable == 16 ? 4 : bitsAvailable >= 8 ? 3 : 2); }
 
-    /// The next `count` (1..16) bits of a marker segment.
+    // The next count (1..16) bits of a marker segment.
     std::uint32_t ReadRawBits(int count) {
         const std::uint32_t value = bits >> (32 - count);
         Advance(count, [this] { return input->ReadRaw(); });
         return value;
     }
 
-    /// The next 16 bits of a scan, without consuming them.
+    // The next 16 bits of a scan, without consuming them.
     std::uint32_t Peek16() const { return bits >> 16; }
 
-    /// Consumes `count` (0..16) bits of a scan.
+    // Consumes count (0..16) bits of a scan.
     void Consume(int count) {
         Advance(count, [this] { return input->ReadEntropy(); });
     }
 
-    /// The next `count` (1..16) bits of a scan.
+    // The next count (1..16) bits of a scan.
     std::uint32_t ReadBits(int count) {
         const std::uint32_t value = bits >> (32 - count);
         Consume(count);

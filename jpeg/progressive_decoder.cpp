@@ -182,8 +182,8 @@ void ProgressiveDecoder::AcRefine(const JpegScan& scan, std::size_t component, i
     }
 }
 
-/// Reads a correction bit for each non-zero coefficient from position `k` to `end`, and stops at
-/// the zero coefficient that follows `zerosToSkip` other ones. Returns that position, or `end` + 1.
+// Reads a correction bit for each non-zero coefficient from position k to end, and stops at
+// the zero coefficient that follows zerosToSkip other ones. Returns that position, or end + 1.
 int ProgressiveDecoder::RefineNonZero(std::int16_t* block, int k, int end, int zerosToSkip,
                                       int bit) {
     for (; k <= end; ++k) {

@@ -13,41 +13,41 @@ namespace marvolen {
 
 class AllocationTable;
 
-/// Entropy decoding of progressive pictures (ITU-T T.81, G.1.2): every scan goes into coefficient
-/// arrays of the whole picture, from which MCU rows are then assembled.
+// Entropy decoding of progressive pictures (ITU-T T.81, G.1.2): every scan goes into coefficient
+// arrays of the whole picture, from which MCU rows are then assembled.
 class ProgressiveDecoder {
 public:
-    /// All arguments are borrowed.
+    // All arguments are borrowed.
     ProgressiveDecoder(JpegInput& newInput, PlainBitReader& newReader, const JpegTables& newTables)
         : input(newInput), reader(newReader), tables(newTables) {}
 
-    /// Allocates the arrays of a prepared frame. Throws `JpegFailure`.
+    // Allocates the arrays of a prepared frame. Throws JpegFailure.
     void AllocateArrays(const JpegFrame& frame, AllocationTable& allocations);
 
-    /// Decodes one scan, from right behind its header to its end, and primes the reader for the
-    /// next marker. Throws `JpegFailure`: -230, -231 for the scan's parameters, -227, -228 for its
-    /// data.
+    // Decodes one scan, from right behind its header to its end, and primes the reader for the
+    // next marker. Throws JpegFailure: -230, -231 for the scan's parameters, -227, -228 for its
+    // data.
     void DecodeScan(const JpegFrame& frame, const JpegScan& scan, int restartInterval);
 
-    /// Assembles the blocks of MCU row `mcuRow` (0 is the top one) of all frame components. `scan`
-    /// is the geometry of those components. `dequantise` multiplies by the tables in zigzag order.
+    // Assembles the blocks of MCU row mcuRow (0 is the top one) of all frame components. scan
+    // is the geometry of those components. dequantise multiplies by the tables in zigzag order.
     void AssembleMcuRow(const JpegFrame& frame, const JpegScan& scan, int mcuRow, bool dequantise,
                         McuRow& row) const;
 
 private:
-    /// The coefficients of one kind of one component: blocks row by row.
+    // The coefficients of one kind of one component: blocks row by row.
     struct CoefficientArray {
         std::int16_t* base = nullptr;
         int widthInBlocks = 0;
         int heightInBlocks = 0;
         std::size_t coefficientsPerBlock = 0;
 
-        /// The coefficients of a block; throws `JpegFailure` -229 outside the array.
+        // The coefficients of a block; throws JpegFailure -229 outside the array.
         std::int16_t* Block(int blockRow, int blockColumn) const;
     };
     struct ComponentArrays {
-        CoefficientArray dc;  ///< one value a block
-        CoefficientArray ac;  ///< 64 a block in natural order; position 0 stays unused
+        CoefficientArray dc;  // one value a block
+        CoefficientArray ac;  // 64 a block in natural order; position 0 stays unused
     };
     using Procedure = void (ProgressiveDecoder::*)(const JpegScan& scan, std::size_t component,
                                                    int blockRow, int blockColumn);

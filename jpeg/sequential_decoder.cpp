@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kZeroRun = 0xF0;  // the symbol for sixteen zeros
 
-/// What the blocks of one component are decoded with.
+// What the blocks of one component are decoded with.
 struct ComponentTables {
     const HuffmanTable* dc;
     const HuffmanTable* ac;
@@ -39,7 +39,7 @@ std::uint32_t PeekDirect(const PlainBitReader& reader) {
     return reader.Peek16() >> (16 - HuffmanTable::kDirectBits);
 }
 
-/// Reads the value bits that follow a symbol.
+// Reads the value bits that follow a symbol.
 template <class BitReader>
 int ReadCoefficient(BitReader& reader, int size) {
     return ExtendCoefficient(reader.ReadBits(size), size);
@@ -57,8 +57,8 @@ int DecodeDcDifference(const HuffmanTable& table, BitReader& reader) {
     return size == 0 ? 0 : ReadCoefficient(reader, size);
 }
 
-/// Decodes the AC coefficients of a block whose positions 1..63 are 0. Returns one past the zigzag
-/// position of the last one.
+// Decodes the AC coefficients of a block whose positions 1..63 are 0. Returns one past the zigzag
+// position of the last one.
 template <class Scaling, class BitReader>
 int DecodeAc(const ComponentTables& tables, BitReader& reader, std::int16_t* block) {
     const HuffmanTable& table = *tables.ac;
@@ -97,7 +97,7 @@ int DecodeAc(const ComponentTables& tables, BitReader& reader, std::int16_t* blo
     return k;
 }
 
-/// Clears what the block's previous contents used of it.
+// Clears what the block's previous contents used of it.
 void ClearBlock(std::int16_t* block, int lastIndex) {
     for (int k = 1; k < lastIndex; ++k) block[kNaturalOrder[static_cast<std::size_t>(k)]] = 0;
 }

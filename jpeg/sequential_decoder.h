@@ -9,20 +9,20 @@
 
 namespace marvolen {
 
-/// Entropy decoding of sequential scans (ITU-T T.81, F.2), an MCU row at a time.
+// Entropy decoding of sequential scans (ITU-T T.81, F.2), an MCU row at a time.
 class SequentialDecoder {
 public:
-    /// All arguments are borrowed.
+    // All arguments are borrowed.
     SequentialDecoder(JpegInput& newInput, PlainBitReader& newPlainReader,
                       const JpegTables& newTables)
         : input(newInput), plainReader(newPlainReader), fastReader(newInput), tables(newTables) {}
 
-    /// Takes over from the marker layer right behind a scan header: `fast` leaves coefficients
-    /// quantised, otherwise they are dequantised. Throws `JpegFailure`.
+    // Takes over from the marker layer right behind a scan header: fast leaves coefficients
+    // quantised, otherwise they are dequantised. Throws JpegFailure.
     void BeginScan(bool newFast, int restartInterval);
 
-    /// Decodes the next MCU row into `row`. Throws `JpegFailure`: -227 for a coefficient beyond the
-    /// block, -228 for a restart marker that isn't there.
+    // Decodes the next MCU row into row. Throws JpegFailure: -227 for a coefficient beyond the
+    // block, -228 for a restart marker that isn't there.
     void DecodeMcuRow(const JpegFrame& frame, const JpegScan& scan, McuRow& row);
 
 private:

@@ -36,4 +36,9 @@ void SetThreadPriority(ThreadPriority priority) {
     }
 }
 
+void HastenThread(std::thread& thread) {
+    const sched_param parameters{};
+    pthread_setschedparam(thread.native_handle(), SCHED_OTHER, &parameters);
+}
+
 }  // namespace marvolen

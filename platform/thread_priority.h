@@ -2,6 +2,8 @@
 
 // The three priorities threads run at.
 
+#include <thread>
+
 namespace marvolen {
 
 enum class ThreadPriority {
@@ -15,5 +17,9 @@ enum class ThreadPriority {
 // the system doesn't permit it, the thread silently stays as it was. Threads inherit their maker's
 // priority.
 void SetThreadPriority(ThreadPriority priority);
+
+// Lifts another thread out of idle priority, where permitted, so that who waits for it doesn't wait
+// for every busy program of the machine as well.
+void HastenThread(std::thread& thread);
 
 }  // namespace marvolen

@@ -78,8 +78,4 @@ bool RecordFile::ReadChain(std::vector<std::uint64_t>& chain) {
     return false;
 }
 
-void RecordFile::MoveMark(std::uint64_t pos) {
-    SetMark(pos == GetMaxSize() ? kRingDataStart : pos);
-}
-
 }  // namespace marvolen

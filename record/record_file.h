@@ -72,8 +72,6 @@ public:
     void CloseReader();
 
 protected:
-    // A head at the ring's end lies at its start, and so does its mark.
-    void MoveMark(std::uint64_t pos) override;
     // Gives up the oldest chunk.
     void OnHeadReached() override;
 

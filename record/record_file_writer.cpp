@@ -83,8 +83,7 @@ bool RecordFile::AdoptMaxSize(std::uint64_t newMaxSize, const std::vector<std::u
     }
     if (!SetHeaderMaxSize(newMaxSize)) return false;
     ring = RingGeometry(newMaxSize);
-    SetHead(GetHead());  // the mark depends on the maximum
-    WriteHeader();       // stays due if it fails
+    WriteHeader();  // stays due if it fails
     return true;
 }
 

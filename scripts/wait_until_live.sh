@@ -1,14 +1,13 @@
 #!/usr/bin/env bash
 # wait_until_live.sh PROCESS SCREENSHOT.png
 # Waits until the picture in each of the sixteen panes of PROCESS's main window has moved, saves a
-# screenshot of the screen and ends with 0. Names the channels that stay still after 60 seconds, and
-# ends with 1. Needs DISPLAY, xdotool and ImageMagick.
+# screenshot of the screen and ends with 0. Names the channels that stay still for 30 looks, about two
+# minutes, and ends with 1. Needs DISPLAY, xdotool and ImageMagick.
 set -euo pipefail
 
 process=$1
 screenshot=$2
-panelWidth=${MARVOLEN_PANEL_WIDTH:-0}  # right of the panes
-stripHeight=23                         # title strip above each picture
+panelWidth=280  # the control panel right of the panes, about
 
 frames=$(mktemp -d)
 trap 'rm -rf "$frames"' EXIT
@@ -23,11 +22,11 @@ for _ in $(seq 100); do
 done
 [[ -n $window ]] || { echo "No main window." >&2; exit 1; }
 
-# A hash of the picture of pane $2 in the window shot $1.
+# A hash of the middle of pane $2 in the window shot $1, well inside its picture.
 pane() {
   local width=$(((WIDTH - panelWidth) / 4)) height=$((HEIGHT / 4))
-  local left=$(($2 % 4 * width + 4)) top=$(($2 / 4 * height + stripHeight + 2))
-  convert "$1" -crop "$((width - 8))x$((height - stripHeight - 8))+$left+$top" +repage rgb:- | sha1sum
+  local left=$(($2 % 4 * width + width / 4)) top=$(($2 / 4 * height + height / 4))
+  convert "$1" -crop "$((width / 2))x$((height / 2))+$left+$top" +repage rgb:- | sha1sum
 }
 
 still=($(seq 0 15))

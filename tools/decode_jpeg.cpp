@@ -1,6 +1,6 @@
 // decode_jpeg [--plain] IN OUT.ppm: decodes one JPEG file with the decoder of the panes.
 //
-// Prints one line, `result=R error=E width=W height=H`, where R is what DibImage::DecodeJpeg
+// Prints one line, result=R error=E width=W height=H, where R is what DibImage::DecodeJpeg
 // returned and E the decoder's stored error. When R is 1 the picture is written as a binary PPM and
 // the exit status is 0; in every other case it is 1.
 
@@ -25,7 +25,7 @@ bool ReadFile(const char* path, std::vector<std::uint8_t>& bytes) {
     return !file.bad();
 }
 
-/// Writes the bitmap top row first and as R, G, B.
+// Writes the bitmap top row first and as R, G, B.
 bool WritePpm(const char* path, const marvolen::DibImage& image) {
     std::ofstream file(path, std::ios::binary);
     file << "P6\n" << image.Width() << ' ' << image.Height() << "\n255\n";

@@ -8,8 +8,10 @@
 #include <QMessageBox>
 #include <QTimer>
 
+#include <csignal>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace marvolen {
 namespace {
@@ -71,6 +73,16 @@ TEST_F(MarvolenApp, ARunWithoutChangesWritesTheSameBytesBack) {
     CMarvolenApp app;
     EXPECT_EQ(app.Run(), 0);
     EXPECT_EQ(test::ReadWholeFile(kSettingsFileName), before);
+}
+
+TEST_F(MarvolenApp, ATerminationSignalEndsItAsAUserWould) {
+    bool raised = false;
+    WithTheWindow([&raised](QWidget*) {
+        if (!std::exchange(raised, true)) raise(SIGTERM);
+    });
+    CMarvolenApp app;
+    EXPECT_EQ(app.Run(), 0);
+    EXPECT_EQ(std::filesystem::file_size(kSettingsFileName), sizeof(ChannelTable));
 }
 
 TEST_F(MarvolenApp, TheFirstRunWritesTheFactorySettings) {

@@ -188,16 +188,16 @@ TEST_F(DrawingThreadTest, AViewWithoutVideoAreaStillReportsPictures) {
     EXPECT_TRUE(thread->AcceptImage());
 }
 
-TEST_F(DrawingThreadTest, CloseWaitsForTheDecodeInProgressAndDropsItsPicture) {
+TEST_F(DrawingThreadTest, CloseDoesNotWaitForTheDecodeInProgressButDropsItsPicture) {
     Queue(red);
     ASSERT_TRUE(WaitForImages(1));
     decoder.Hold();
     Queue(green);
     ASSERT_TRUE(decoder.WaitForStarts(2));
-    RunWhileReleasing(decoder, [this] {
-        thread->Close();
-        EXPECT_EQ(decoder.Ends(), 2);
-    });
+    thread->Close();  // would never return if it waited
+    decoder.Release();
+    WaitUntilFree();
+    EXPECT_EQ(decoder.Ends(), 2);
     EXPECT_FALSE(thread->AcceptImage());
     EXPECT_EQ(Shown(), QColor(Qt::black));
 
@@ -217,13 +217,31 @@ TEST_F(DrawingThreadTest, OpeningAgainDropsThePictureBeingDecoded) {
     decoder.Hold();
     Queue(red);
     ASSERT_TRUE(decoder.WaitForStarts(1));
-    RunWhileReleasing(decoder, [this] {
-        EXPECT_TRUE(thread->Open());
-        EXPECT_EQ(decoder.Ends(), 1);
-    });
+    thread->Close();
+    EXPECT_TRUE(thread->Open());  // would never return if it waited
+    decoder.Release();
     WaitUntilFree();
     EXPECT_FALSE(thread->AcceptImage());
     EXPECT_EQ(Shown(), QColor(Qt::black));
+}
+
+TEST_F(DrawingThreadTest, WhatIsClosedAndOpenedDuringADecodeDrawsTheNextPicture) {
+    decoder.Hold();
+    Queue(red);
+    ASSERT_TRUE(decoder.WaitForStarts(1));
+    thread->Close();
+    ASSERT_TRUE(thread->Open());
+    decoder.Release();
+    WaitUntilFree();
+    Queue(green);
+    WaitUntilFree();
+    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::green));
+}
+
+TEST_F(DrawingThreadTest, NothingIsDrawnOnceItsEndHasBegun) {
+    thread->BeginEnd();
+    EXPECT_FALSE(thread->Open());
+    EXPECT_FALSE(thread->QueuePicture(red));
 }
 
 TEST_F(DrawingThreadTest, NoPictureOfTheTimeBeforeCloseIsEverShown) {

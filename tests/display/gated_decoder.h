@@ -67,7 +67,7 @@ private:
             changed.notify_all();
             changed.wait(guard, [this] { return !held; });
         }
-        const int result = picture.DecodeJpeg(bytes, count);
+        const int result = picture.DecodeJpeg(bytes, count, JpegPath::Plain);  // the more exact
         const std::lock_guard guard(mutex);
         ++ends;
         changed.notify_all();

@@ -60,6 +60,7 @@ protected:
         pane->setGeometry(0, 0, kWidth, kHeight);
         pane->SetNext(&behind);
         dialog->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get(), kPatience));
         pane->SetStatus(0, PANE_SELECTED);  // the dialog gave its only control the focus
         ASSERT_TRUE(pane->Open("NET.3", 0));
     }

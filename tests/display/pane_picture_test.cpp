@@ -73,10 +73,20 @@ TEST_F(PanePictureTest, TimeKeepsToItsPlaceAndGoesWithAPictureWithoutStamp) {
     EXPECT_TRUE(WaitUntil([this] { return VideoIs(Qt::red); }));
     EXPECT_TRUE(kTimePlace.contains(Drawn(kStripInside)));
     EXPECT_GT(Drawn(kStripInside).width(), 100);
+    pane->resize(150, kHeight);  // ends in the middle of the time
+    EXPECT_TRUE(FrameIs(Qt::black));
+    pane->resize(kWidth, kHeight);
 
     EXPECT_TRUE(Show(green, Qt::green));
     pane->SetStatus(PANE_SELECTED, 0);
     EXPECT_TRUE(Drawn(kStripInside).isEmpty());
+}
+
+TEST_F(PanePictureTest, CloseTakesTheTimeAwayAndKeepsTheName) {
+    Deliver(red, &kTime);
+    EXPECT_TRUE(WaitUntil([this] { return VideoIs(Qt::red); }));
+    pane->Close();
+    EXPECT_TRUE(kNamePlace.contains(Drawn(kStripInside)));
 }
 
 TEST_F(PanePictureTest, MarksStandAtTheirPlaces) {
@@ -104,27 +114,27 @@ TEST_F(PanePictureTest, MarksStandAtTheirPlaces) {
     EXPECT_TRUE(Drawn(QRect(0, 0, 200, kStripHeight)).isEmpty());
 }
 
-// Every second column of the picture is white: one that is scaled, or moved by part of a pixel,
-// would show gray.
+// A chequered picture: one that is scaled, or moved by part of a pixel, would show gray.
 TEST_F(PanePictureTest, ImageReachesTheScreenPixelForPixel) {
     const qreal ratio = pane->devicePixelRatioF();
     const PixelRect video = ToDevicePixels(VideoArea(kWidth, kHeight), 0, 0, ratio);
-    QImage stripes(video.Width(), video.Height(), QImage::Format_RGB32);
-    for (int x = 0; x < stripes.width(); ++x) {
-        for (int y = 0; y < stripes.height(); ++y) {
-            stripes.setPixelColor(x, y, x % 2 == 0 ? Qt::white : Qt::black);
+    QImage chequers(video.Width(), video.Height(), QImage::Format_RGB32);
+    for (int y = 0; y < chequers.height(); ++y) {
+        for (int x = 0; x < chequers.width(); ++x) {
+            chequers.setPixelColor(x, y, (x + y) % 2 == 0 ? Qt::white : Qt::black);
         }
     }
     QByteArray jpeg;
     QBuffer buffer(&jpeg);
-    stripes.save(&buffer, "JPEG", 100);
+    chequers.save(&buffer, "JPEG", 100);
     const auto differences = [&] {
         const QImage screen = pane->grab().toImage();
         int count = 0;
-        for (int x = 0; x < stripes.width(); ++x) {
-            const QPoint middle(video.left + x, video.top + stripes.height() / 2);
-            const int expected = x % 2 == 0 ? 255 : 0;
-            if (std::abs(qGray(screen.pixel(middle)) - expected) > 40) ++count;
+        for (int y = 0; y < chequers.height(); ++y) {
+            for (int x = 0; x < chequers.width(); ++x) {
+                const int shown = qGray(screen.pixel(video.left + x, video.top + y));
+                if (std::abs(shown - qGray(chequers.pixel(x, y))) > 40) ++count;
+            }
         }
         return count;
     };

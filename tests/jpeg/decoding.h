@@ -8,14 +8,14 @@
 
 namespace marvolen::test {
 
-/// What came of decoding some bytes into a fresh `DibImage`.
+// What came of decoding some bytes into a fresh DibImage.
 struct Decoded {
     int result = 0;
     int error = 0;
     Picture picture;
 };
 
-/// A bitmap as a `Picture`.
+// A bitmap as a Picture.
 inline Picture ToPicture(const DibImage& image) {
     Picture picture{image.Width(), image.Height(), {}};
     for (int y = image.Height() - 1; y >= 0; --y) {
@@ -37,7 +37,7 @@ inline Decoded Decode(const Bytes& jpeg, JpegPath path = JpegPath::Fast) {
     return decoded;
 }
 
-/// The mean absolute difference of two pictures of one size, over all bytes.
+// The mean absolute difference of two pictures of one size, over all bytes.
 inline double MeanDifference(const Picture& a, const Picture& b) {
     if (a.rgb.size() != b.rgb.size()) return 255;
     double sum = 0;

@@ -32,7 +32,7 @@ Builder Soi() {
     return Builder().Soi();
 }
 
-/// A segment in front of a sound picture.
+// A segment in front of a sound picture.
 Bytes Before(int marker, const Bytes& payload, int lengthError = 0) {
     return Soi().Segment(marker, payload, lengthError).Raw(GrayHead(8, 8).Take()).Take();
 }
@@ -41,13 +41,13 @@ Bytes Frame(const std::vector<Builder::Component>& components) {
     return Soi().Dqt().Sof(0xC0, 16, 16, components).Sos({{1}}).Take();
 }
 
-/// A gray 8 x 8 picture with the given scan header and no data.
+// A gray 8 x 8 picture with the given scan header and no data.
 Bytes Scan(const std::vector<Builder::ScanComponent>& components,
            Builder::ScanParameters parameters, int sof, int lengthError = 0) {
     return GrayHead(8, 8, 0, sof).Sos(components, parameters, lengthError).Take();
 }
 
-/// A gray 8 x 8 block with these bits behind the DC difference.
+// A gray 8 x 8 block with these bits behind the DC difference.
 Bytes Coded(int sof, Builder::ScanParameters parameters, const std::vector<int>& codes) {
     Builder stream = GrayHead(8, 8, 0, sof);
     stream.Sos({{1}}, parameters);
@@ -276,7 +276,7 @@ INSTANTIATE_TEST_SUITE_P(Header, ErrorTest, testing::ValuesIn(HeaderCases()), kN
 INSTANTIATE_TEST_SUITE_P(Frame, ErrorTest, testing::ValuesIn(FrameCases()), kName);
 INSTANTIATE_TEST_SUITE_P(Data, ErrorTest, testing::ValuesIn(DataCases()), kName);
 
-/// A source that fails after `limit` bytes, and hands out at most `portion` bytes a call.
+// A source that fails after limit bytes, and hands out at most portion bytes a call.
 class TestSource : public JpegSource {
 public:
     TestSource(const Bytes& newBytes, std::size_t newLimit, int newPortion = 1 << 20)

@@ -28,9 +28,9 @@ std::vector<Code> AssignCodes(const std::array<std::uint8_t, 17>& counts, const 
     return codes;
 }
 
-/// Symbol and length of what `window` begins with. What no code begins with is symbol 0: by the
-/// length of symbol 0's code within eight bits, else by as many bits as codes share with it and
-/// one.
+// Symbol and length of what the window begins with. What no code begins with is symbol 0: by the
+// length of symbol 0's code within eight bits, else by as many bits as codes share with it and
+// one.
 std::pair<int, int> Search(const std::vector<Code>& codes, std::uint32_t window) {
     const auto lengthOf = [&](int symbol) {
         int length = 0;
@@ -52,7 +52,7 @@ std::pair<int, int> Search(const std::vector<Code>& codes, std::uint32_t window)
     return shared < 8 ? std::pair{0, lengthOf(0)} : std::pair{0, shared + 1};
 }
 
-/// A bit reader over one window.
+// A bit reader over one window.
 struct WindowReader {
     std::uint32_t window;
     int consumed = 0;

@@ -26,7 +26,7 @@ protected:
         return bytes;
     }
 
-    /// Blocks with a single coefficient, with few, with all, and far out of range.
+    // Blocks with a single coefficient, with few, with all, and far out of range.
     std::vector<Block> Blocks() {
         std::vector<Block> blocks;
         for (std::size_t i = 0; i < 64; ++i) {
@@ -45,7 +45,7 @@ protected:
     }
 };
 
-/// An 8 x 8 window in the middle of a wider buffer, whose surroundings must stay as they are.
+// An 8 x 8 window in the middle of a wider buffer, whose surroundings must stay as they are.
 class Window {
 public:
     static constexpr std::ptrdiff_t kStride = 24;

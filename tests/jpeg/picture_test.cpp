@@ -77,7 +77,7 @@ std::vector<Case> AllCases() {
     return cases;
 }
 
-/// `MakePhotograph`, once for each size.
+// MakePhotograph, once for each size.
 const Picture& Photograph(int width, int height) {
     static std::map<std::pair<int, int>, Picture> made;
     Picture& picture = made[{width, height}];

@@ -62,7 +62,7 @@ std::uint8_t Clamp(std::int64_t value) {
     return static_cast<std::uint8_t>(std::clamp<std::int64_t>(value, 0, 255));
 }
 
-/// All samples of a component, row by row.
+// All samples of a component, row by row.
 struct Plane {
     int stride = 0;
     std::vector<std::uint8_t> samples;

@@ -15,19 +15,19 @@ namespace marvolen::test {
 using Block = std::array<std::int16_t, 64>;
 using SampleBlock = std::array<std::uint8_t, 64>;
 
-/// The fast path's table for quantisation entries in natural order.
+// The fast path's table for quantisation entries in natural order.
 Block ModelFastTable(const std::array<int, 64>& quantisation);
 
-/// The fast inverse DCT of quantised coefficients, both in natural order.
+// The fast inverse DCT of quantised coefficients, both in natural order.
 SampleBlock ModelFastIdct(const Block& coefficients, const Block& table);
 
-/// The plain inverse DCT of dequantised coefficients.
+// The plain inverse DCT of dequantised coefficients.
 SampleBlock ModelPlainIdct(const Block& coefficients);
 
-/// R, G, B of one pixel.
+// R, G, B of one pixel.
 std::array<std::uint8_t, 3> ModelColour(int y, int cb, int cr);
 
-/// A whole picture on the fast path, from its quantised coefficients.
+// A whole picture on the fast path, from its quantised coefficients.
 Picture ModelFastPicture(const std::vector<ReferenceComponent>& components, int width, int height);
 
 }  // namespace marvolen::test

@@ -8,22 +8,22 @@
 
 namespace marvolen::test {
 
-/// Writes JPEG streams by hand, segment after segment and bit after bit, sound or not.
-///
-/// Its Huffman codes are as plain as can be: `DcTable` gives size s the 4-bit code s, `AcTable`
-/// gives symbol i of its list the 8-bit code i.
+// Writes JPEG streams by hand, segment after segment and bit after bit, sound or not.
+//
+// Its Huffman codes are as plain as can be: DcTable gives size s the 4-bit code s, AcTable
+// gives symbol i of its list the 8-bit code i.
 class StreamBuilder {
 public:
     struct Component {
         int identifier;
-        int sampling;  ///< H in the high, V in the low nibble
+        int sampling;  // H in the high, V in the low nibble
         int quantTable = 0;
     };
     struct ScanComponent {
         int identifier;
-        int tables = 0;  ///< DC in the high, AC in the low nibble
+        int tables = 0;  // DC in the high, AC in the low nibble
     };
-    /// Ss, Se, and Ah and Al in one byte.
+    // Ss, Se, and Ah and Al in one byte.
     struct ScanParameters {
         int spectralStart = 0;
         int spectralEnd = 63;
@@ -38,13 +38,13 @@ public:
     StreamBuilder& Soi() { return Marker(0xD8); }
     StreamBuilder& Eoi() { return Marker(0xD9); }
 
-    /// A segment whose length field is right, plus `lengthError`.
+    // A segment whose length field is right, plus lengthError.
     StreamBuilder& Segment(int code, const Bytes& payload, int lengthError = 0) {
         const int length = static_cast<int>(payload.size()) + 2 + lengthError;
         return Marker(code).Raw({Byte(length >> 8), Byte(length)}).Raw(payload);
     }
 
-    /// A table of 64 equal entries.
+    // A table of 64 equal entries.
     static Bytes QuantTable(int number, int entry, bool wide = false) {
         Bytes table = {Byte(number | (wide ? 0x10 : 0))};
         for (int k = 0; k < 64; ++k) {
@@ -57,7 +57,7 @@ public:
         return Segment(0xDB, QuantTable(number, entry));
     }
 
-    /// A table with `counts` codes of each length, padded to 16 lengths.
+    // A table with counts codes of each length, padded to 16 lengths.
     static Bytes HuffmanTable(int classAndNumber, Bytes counts, const Bytes& symbols) {
         counts.resize(16);
         Bytes table = {Byte(classAndNumber)};
@@ -101,7 +101,7 @@ public:
     }
     StreamBuilder& Sos(const std::vector<ScanComponent>& components) { return Sos(components, {}); }
 
-    /// Appends the low `count` bits of `value` to the entropy-coded data, with stuffed zeros.
+    // Appends the low count bits of value to the entropy-coded data, with stuffed zeros.
     StreamBuilder& Bits(int value, int count) {
         while (count-- > 0) {
             bitBuffer = bitBuffer << 1 | (value >> count & 1);
@@ -109,13 +109,13 @@ public:
         }
         return *this;
     }
-    /// A DC difference, with `DcTable`.
+    // A DC difference, with DcTable.
     StreamBuilder& Dc(int difference) {
         int size = 0;
         while (std::abs(difference) >> size != 0) ++size;
         return Bits(size, 4).Bits(difference < 0 ? difference + (1 << size) - 1 : difference, size);
     }
-    /// Pads the last byte of entropy-coded data with ones.
+    // Pads the last byte of entropy-coded data with ones.
     StreamBuilder& Flush() {
         while (bitCount != 0) Bits(1, 1);
         return *this;
@@ -139,8 +139,8 @@ private:
     int bitCount = 0;
 };
 
-/// AC symbols of the streams below, and their 8-bit codes: end of block, sixteen zeros, and one
-/// coefficient of size 1 after 0, 14 or 15 zeros.
+// AC symbols of the streams below, and their 8-bit codes: end of block, sixteen zeros, and one
+// coefficient of size 1 after 0, 14 or 15 zeros.
 inline const Bytes kAcSymbols = {0x00, 0xF0, 0x01, 0xE1, 0xF1};
 inline constexpr int kEob = 0;
 inline constexpr int kZrl = 1;
@@ -148,7 +148,7 @@ inline constexpr int kOne = 2;
 inline constexpr int kOneAfter14 = 3;
 inline constexpr int kOneAfter15 = 4;
 
-/// The usual beginning of a gray picture, up to its frame header.
+// The usual beginning of a gray picture, up to its frame header.
 inline StreamBuilder GrayHead(int width, int height, int restartInterval = 0, int sof = 0xC0) {
     StreamBuilder stream;
     stream.Soi().Dqt().Dht(StreamBuilder::DcTable()).Dht(StreamBuilder::AcTable(kAcSymbols));

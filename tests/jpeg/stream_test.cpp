@@ -13,12 +13,12 @@ namespace {
 
 using Builder = StreamBuilder;
 
-/// One gray block of the given DC, all coefficients 0 otherwise.
+// One gray block of the given DC, all coefficients 0 otherwise.
 Builder& FlatBlock(Builder& stream, int difference) {
     return stream.Dc(difference).Bits(kEob, 8);
 }
 
-/// The bytes of an 8 x 8 gray picture of the level 128 + 160 / 8 = 148, around what `head` holds.
+// The bytes of an 8 x 8 gray picture of the level 128 + 160 / 8 = 148, around what head holds.
 Bytes FlatPicture(Builder head) {
     return FlatBlock(head.Sos({{1}}), 160).Flush().Eoi().Take();
 }
@@ -36,7 +36,7 @@ Bytes Head() {
     return GrayHead(8, 8).Take();
 }
 
-/// `Head` with its start-of-image marker replaced.
+// Head with its start-of-image marker replaced.
 Builder After(const Bytes& start) {
     const Bytes head = Head();
     Builder stream;
@@ -120,7 +120,7 @@ TEST(TableTest, GraySamplingFactorsMeanNothing) {
     }
 }
 
-/// A 16 x 8 gray picture of two blocks, the second flat at the level of the first one's DC (0).
+// A 16 x 8 gray picture of two blocks, the second flat at the level of the first one's DC (0).
 void ExpectBlocks(const Bytes& jpeg, const Block& first) {
     std::array<int, 64> ones;
     ones.fill(1);
@@ -214,8 +214,8 @@ TEST(EntropyTest, RestartSearchBeginsBehindTheLookAhead) {
     }
 }
 
-/// The DC values of `blocks` gray blocks that are decoded from the bits of `bytes`, over and over,
-/// with the tables of `GrayHead`: a code that isn't in a table is its symbol 0.
+// The DC values of blocks gray blocks that are decoded from the bits of bytes, over and over,
+// with the tables of GrayHead: a code that isn't in a table is its symbol 0.
 std::vector<int> DcOfFiller(const Bytes& bytes, int blocks) {
     std::size_t position = 0;
     const auto read = [&](int count) {

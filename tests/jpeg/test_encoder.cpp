@@ -7,7 +7,7 @@
 namespace marvolen::test {
 namespace {
 
-/// A libjpeg decompressor over a byte vector.
+// A libjpeg decompressor over a byte vector.
 class Decompressor {
 public:
     explicit Decompressor(const Bytes& jpeg) {

@@ -10,7 +10,7 @@ namespace marvolen::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// One scan of a progressive picture.
+// One scan of a progressive picture.
 struct ProgressiveScan {
     std::vector<int> components;
     int spectralStart, spectralEnd, approximationHigh, approximationLow;
@@ -18,27 +18,27 @@ struct ProgressiveScan {
 
 struct EncodeOptions {
     bool gray = false;
-    int horizontal = 2;  ///< sampling factors of Y
+    int horizontal = 2;  // sampling factors of Y
     int vertical = 2;
-    /// Percent of the standard quantisation tables. Above about 200 entries need 16 bits.
+    // Percent of the standard quantisation tables. Above about 200 entries need 16 bits.
     int quantPercent = 50;
-    bool optimise = false;     ///< Huffman tables of its own
-    int restartInterval = 0;   ///< MCUs
-    bool progressive = false;  ///< with the usual scans, unless `scans` says otherwise
+    bool optimise = false;     // Huffman tables of its own
+    int restartInterval = 0;   // MCUs
+    bool progressive = false;  // with the usual scans, unless scans says otherwise
     std::vector<ProgressiveScan> scans = {};
 };
 
-/// Encodes a picture with libjpeg.
+// Encodes a picture with libjpeg.
 Bytes EncodeJpeg(const Picture& picture, const EncodeOptions& options);
 
-/// The quantised coefficients of one component, as libjpeg reads them: blocks row by row, padded to
-/// whole MCUs, each 64 values in natural order.
+// The quantised coefficients of one component, as libjpeg reads them: blocks row by row, padded to
+// whole MCUs, each 64 values in natural order.
 struct ReferenceComponent {
     int horizontal = 0;
     int vertical = 0;
     int blocksPerRow = 0;
     int blockRows = 0;
-    std::array<int, 64> quantisation{};  ///< natural order
+    std::array<int, 64> quantisation{};  // natural order
     std::vector<std::int16_t> coefficients;
 
     const std::int16_t* Block(int row, int column) const {
@@ -49,10 +49,10 @@ struct ReferenceComponent {
     }
 };
 
-/// Entropy-decodes a sound JPEG with libjpeg.
+// Entropy-decodes a sound JPEG with libjpeg.
 std::vector<ReferenceComponent> ReadCoefficients(const Bytes& jpeg);
 
-/// Decodes a sound JPEG with libjpeg, chroma samples repeated, to RGB.
+// Decodes a sound JPEG with libjpeg, chroma samples repeated, to RGB.
 Picture DecodeWithLibjpeg(const Bytes& jpeg, bool fastDct);
 
 }  // namespace marvolen::test

@@ -7,7 +7,7 @@
 namespace marvolen::test {
 namespace {
 
-/// Smooth noise in -1..1: a lattice of hashed values, blended.
+// Smooth noise in -1..1: a lattice of hashed values, blended.
 double ValueNoise(double x, double y, unsigned seed) {
     const auto lattice = [seed](int column, int row) {
         unsigned hash = seed + static_cast<unsigned>(column) * 374761393U +

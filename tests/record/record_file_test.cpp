@@ -183,8 +183,11 @@ TEST_F(RecordFileTest, FrameWithoutATimeIsNoRecord) {
 
 TEST_F(RecordFileTest, AHeadThatCannotBeReadLeavesTheNewestChunkOnly) {
     const std::uint64_t second = 24 + kBlock + 600;
-    for (const auto& [position, value] :
-         {std::pair{std::uint64_t{24}, 0U}, {24 + 16, 0U}, {24 + 16, 99U}, {second, 0U}}) {
+    for (const auto& [position, value] : {std::pair{std::uint64_t{24}, 0U},
+                                          {24 + 16, 0U},
+                                          {24 + 16, 99U},
+                                          {24 + 16, 24U},
+                                          {second, 0U}}) {
         nextId = 0;
         ASSERT_TRUE(Create(24 + 3 * (kBlock + 600)) && AppendMany(3 * 600, 1));
         Patch(position, value);

@@ -114,21 +114,25 @@ protected:
 };
 
 TEST_P(RecordModelTest, HoldsWhatTheModelHolds) {
-    random.seed(20040229);
-    ASSERT_TRUE(Create(GetParam().maxSize));
-    model.Create(GetParam().maxSize);
-    for (int operation = 0; operation < GetParam().operations; ++operation) {
-        SCOPED_TRACE(operation);
-        if (Any(operation % 4000 < 2000 ? 20 : 400) == 0) {
-            ASSERT_NO_FATAL_FAILURE(EndAndReopen());
-            continue;
+    for (const unsigned seed : {1U, 20040229U, 600U}) {
+        SCOPED_TRACE(seed);
+        random.seed(seed);
+        ASSERT_TRUE(Create(GetParam().maxSize));
+        model.Create(GetParam().maxSize);
+        for (int operation = 0; operation < GetParam().operations; ++operation) {
+            SCOPED_TRACE(operation);
+            // By turns many short sessions and few long ones.
+            if (Any(operation % 4000 < 2000 ? 20 : 400) == 0) {
+                ASSERT_NO_FATAL_FAILURE(EndAndReopen());
+                continue;
+            }
+            const TestRecord record{nextId++, AnyLength()};
+            ASSERT_EQ(AppendRecord(record), model.Append(record)) << record.length;
         }
-        const TestRecord record{nextId++, AnyLength()};
-        ASSERT_EQ(AppendRecord(record), model.Append(record)) << record.length;
+        Close();
+        model.Close();
+        ASSERT_NO_FATAL_FAILURE(Compare());
     }
-    Close();
-    model.Close();
-    Compare();
 }
 
 INSTANTIATE_TEST_SUITE_P(RecordModel, RecordModelTest,

@@ -120,7 +120,7 @@ TEST_F(RecordTool, SaysWhyAFileCannotBeHad) {
     EXPECT_EQ(Run({"verify", "foreign"}), 1);
     EXPECT_EQ(out,
               "0: not a record file: no RING header\nforeign: damaged, 0 chunks, 0 records, 1 "
-              "findings\n");
+              "finding\n");
 }
 
 TEST_F(RecordTool, KnowsItsUsage) {
@@ -174,8 +174,8 @@ TEST_F(RecordTool, VerifyNamesTheFieldThatIsWrong) {
              {24, 0, 4, "24: no index block here\n"},
              {24 + 8, 25, 8, "32: index block at 24 says it lies at 25\n"},
              {24 + 16, 24, 8,
-              "40: next chunk is at 24, the records end at 79264\n24: chain runs on into its "
-              "head\n"},
+              "40: next chunk is at 24, the records end at 79264\n24: a link leads "
+              "back here\n"},
              {24 + 16, second + 1, 8,
               "40: next chunk is at 79265, the records end at 79264\n79265: no index block here\n"},
              {second + 24, 25, 8, "79288: previous chunk is 24, not 25\n"},

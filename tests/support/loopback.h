@@ -8,9 +8,7 @@
 #include <arpa/inet.h>
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <netinet/in.h>
 #include <poll.h>
 #include <string>
@@ -34,6 +32,9 @@ public:
             bytes.remove_prefix(static_cast<std::size_t>(sent));
         }
     }
+
+    // Sends a byte that the protocol marks as urgent (RFC 6093).
+    void SendUrgent(char byte) { ASSERT_EQ(send(connection.Get(), &byte, 1, MSG_OOB), 1); }
 
     // What arrives, up to and including its first occurrence of end.
     std::string ReceiveUntil(std::string_view end) {
@@ -113,16 +114,6 @@ private:
 inline std::uint16_t RefusingPort() {
     LoopbackListener listener;
     return listener.Port();
-}
-
-inline std::ptrdiff_t CountEntries(const char* folder) {
-    return std::distance(std::filesystem::directory_iterator(folder), {});
-}
-inline std::ptrdiff_t OpenDescriptors() {
-    return CountEntries("/proc/self/fd");
-}
-inline std::ptrdiff_t RunningThreads() {
-    return CountEntries("/proc/self/task");
 }
 
 }  // namespace marvolen::test

@@ -12,10 +12,12 @@ namespace {
 
 constexpr std::uint32_t kLargestDelay = 100000;
 
+bool SameLetter(unsigned char a, unsigned char b) {
+    return std::tolower(a) == std::tolower(b);
+}
+
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-        return std::tolower(x) == std::tolower(y);
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), SameLetter);
 }
 
 // The text up to the separator, which is removed together with it from rest.
@@ -101,6 +103,25 @@ CameraRequest ParseCameraRequest(std::string_view head) {
         }
     }
     return request;
+}
+
+std::vector<std::string> LoggableHeaders(std::string_view head, std::string_view verdict) {
+    constexpr std::string_view kSecret = "Authorization";
+    std::vector<std::string> lines;
+    bool hidden = false;
+    TakeUntil(head, "\r\n");
+    while (!head.empty()) {
+        const std::string_view line = TakeUntil(head, "\r\n");
+        if (line.empty()) continue;
+        // A line that begins with a blank continues the one before it (RFC 9112, 5.2).
+        if (hidden && (line.front() == ' ' || line.front() == '\t')) continue;
+        const auto* const secret =
+            std::search(line.begin(), line.end(), kSecret.begin(), kSecret.end(), SameLetter);
+        hidden = secret != line.end();
+        std::string& shown = lines.emplace_back(line.begin(), secret);
+        if (hidden) shown.append(kSecret).append(": (").append(verdict).append(")");
+    }
+    return lines;
 }
 
 std::chrono::nanoseconds PicturePeriod(std::chrono::nanoseconds period, std::uint32_t delay) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace marvolen {
 
@@ -33,6 +34,10 @@ std::size_t RequestEnd(std::string_view received);
 // Reads a whole head. Only GET of /getimage is served; options that cameras don't know are ignored,
 // unknown values of the three known ones are a bad request.
 CameraRequest ParseCameraRequest(std::string_view head);
+
+// The header lines of a head for a log: as received, but verdict in parentheses in the place of
+// whatever proves who the client is.
+std::vector<std::string> LoggableHeaders(std::string_view head, std::string_view verdict);
 
 // The time between two pictures for a request's delay: the camera waits that many hundredths of a
 // second on top of its own period. At 30 pictures a second a delay of 3, 7, 10, 17, 30, 97, 197,

@@ -42,7 +42,7 @@ struct CameraServerOptions {
     // Time between pictures at full speed; a request's delay adds to it. Tests shorten it.
     std::chrono::nanoseconds period = std::chrono::nanoseconds(1'000'000'000 / 30);
     int sendBufferBytes = 256 * 1024;  // the kernel's, per connection; 0: as the system has it
-    bool keepSent = true;              // keep the list that SentPictures returns
+    bool keepSent = true;              // keep the lists that SentPictures and Requests return
     std::string sentDir = {};          // write index files and pictures there; empty: don't
     // Receives one line, without line end, per event worth a log. Called on the server's thread
     // and on threads that call operations, one at a time; must not call the server.
@@ -89,7 +89,8 @@ public:
     // The pictures sent so far in the order their last bytes went out; empty without keepSent.
     std::vector<SentPicture> SentPictures(int channel) const;
 
-    // The requests received so far, byte for byte, from the first byte to the empty line.
+    // The requests received so far, byte for byte, from the first byte to the empty line; empty
+    // without keepSent.
     std::vector<std::string> Requests(int channel) const;
 
     ChannelStats Stats(int channel) const;

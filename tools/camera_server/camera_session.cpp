@@ -81,9 +81,14 @@ bool CameraSession::ReadRequest(std::string_view bytes, TimePoint now) {
     if (request.status == 200 && !accepted) request.status = 401;
 
     ++channel.stats.requests;
-    channel.requests.push_back(std::exchange(received, {}));
-    channel.Log(peer + " \"" + Printable(request.line) + "\" credentials " +
-                (accepted ? "accepted" : "refused") + ", status " + std::to_string(request.status));
+    const std::string verdict = accepted ? "accepted" : "refused";
+    channel.Log(peer + " \"" + Printable(request.line) + "\" credentials " + verdict + ", status " +
+                std::to_string(request.status));
+    for (std::string& line : LoggableHeaders(received, verdict)) {
+        channel.Log(peer + "   " + Printable(std::move(line)));
+    }
+    if (channel.options.keepSent) channel.requests.push_back(received);
+    received.clear();
     phase = Phase::Answer;
     return OnTime(now);
 }

@@ -39,13 +39,15 @@ int Fail(const std::string& text) {
 }
 
 // Blocks SIGTERM and SIGINT in this thread and those it starts, and makes them readable instead.
+// Where that isn't to be had they end the program as they end any.
 Descriptor CatchSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return Descriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
+    Descriptor readable(::signalfd(-1, &signals, SFD_CLOEXEC));
+    if (readable.IsOpen()) pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return readable;
 }
 
 // Carries out commands until one of them, or a signal, says to end. Without standard input only a
@@ -78,6 +80,7 @@ std::shared_ptr<PictureSource> MakePictures(const CommandLine& commandLine) {
         return std::make_shared<PaintedPictures>(
             PaintedOptions{.loopLength = commandLine.loopLength,
                            .threads = commandLine.renderThreads,
+                           .lowPriority = true,
                            .names = commandLine.names});
     }
     auto folder = std::make_shared<FolderPictures>();

@@ -59,6 +59,10 @@ std::string StampText(const SYSTEMTIME& stamp) {
     return FormatTime(stamp) + milliseconds.data();
 }
 
+std::string Counted(std::uint64_t number, const char* what) {
+    return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
+}
+
 const char* Reason(FileOpenError error) {
     switch (error) {
         case FileOpenError::kMissing:
@@ -280,9 +284,9 @@ int RecordTool::Verify() {
         for (const RecordFinding& finding : result.findings) {
             out << finding.position << ": " << finding.text << '\n';
         }
-        out << path << ": " << (result.Sound() ? "sound" : "damaged") << ", " << result.chunks
-            << " chunks, " << result.records << " records";
-        if (!result.Sound()) out << ", " << result.findings.size() << " findings";
+        out << path << ": " << (result.Sound() ? "sound" : "damaged") << ", "
+            << Counted(result.chunks, "chunk") << ", " << Counted(result.records, "record");
+        if (!result.Sound()) out << ", " << Counted(result.findings.size(), "finding");
         out << '\n';
     }
     return result.Sound() ? kRecordToolDone : kRecordToolDamaged;

@@ -1,14 +1,9 @@
 #include "tools/camera_server/scenes/overlay.h"
 
-#include <QColor>
-#include <QFont>
 #include <QFontMetricsF>
-#include <QPainter>
-#include <QPainterPath>
-#include <QPen>
-#include <QString>
 
 #include <algorithm>
+#include <mutex>
 
 namespace marvolen::scenes {
 namespace {
@@ -22,49 +17,51 @@ QFont TextFont(double pixels) {
     return font;
 }
 
-// Digits as wide as each other, so that a running number doesn't jitter.
-void AddDigits(QPainterPath& path, const QFont& font, double right, double baseline,
-               const QString& digits) {
-    const double step = QFontMetricsF(font).horizontalAdvance(QLatin1Char('0'));
-    double x = right - step * static_cast<double>(digits.size());
-    for (const QChar digit : digits) {
-        path.addText(x, baseline, font, QString(digit));
-        x += step;
+}  // namespace
+
+Overlay::Overlay(int channel, const std::string& name, int pictureWidth, int pictureHeight)
+    : width(pictureWidth), height(pictureHeight) {
+    // Fonts are set up behind the scenes by the first who needs them.
+    static std::mutex fonts;
+    const std::lock_guard hold(fonts);
+    const QFont large = TextFont(height * 0.105);
+    const QFont small = TextFont(height * 0.058);
+    const double rim = std::max(height * 0.0115, 1.6);
+    capHeight = QFontMetricsF(large).capHeight();
+    channelText = {QStringLiteral("%1").arg(channel, 2, 10, QLatin1Char('0')), large, rim};
+    nameText = {QString::fromStdString(name), small, rim};
+    colon = {QStringLiteral(":"), small, rim};
+    for (std::size_t digit = 0; digit < 10; ++digit) {
+        largeDigits[digit] = {QString::number(digit), large, rim};
+        smallDigits[digit] = {QString::number(digit), small, rim};
     }
 }
 
-QString Padded(int number, int width) {
-    return QStringLiteral("%1").arg(number, width, 10, QLatin1Char('0'));
-}
-
-}  // namespace
-
-void DrawOverlay(QImage& image, const OverlayText& text) {
-    const double height = image.height();
-    const double width = image.width();
+void Overlay::Draw(Pixels& pixels, int clock, int counter) const {
     const double margin = height * 0.028;
-    const QFont large = TextFont(height * 0.105);
-    const QFont small = TextFont(height * 0.058);
-    const double largeCap = QFontMetricsF(large).capHeight();
+    channelText.Draw(pixels, width, margin, margin + capHeight);
+    nameText.Draw(pixels, width, margin + channelText.Advance() + height * 0.022,
+                  margin + capHeight);
 
-    QPainterPath path;
-    path.setFillRule(Qt::WindingFill);
-    const QString channel = Padded(text.channel, 2);
-    path.addText(margin, margin + largeCap, large, channel);
-    const double nameAt = margin + QFontMetricsF(large).horizontalAdvance(channel) + height * 0.022;
-    path.addText(nameAt, margin + largeCap, small, QString::fromStdString(text.name));
-    const int clock = text.clock % 86400;
-    path.addText(margin, height - margin, small,
-                 Padded(clock / 3600, 2) + QLatin1Char(':') + Padded(clock / 60 % 60, 2) +
-                     QLatin1Char(':') + Padded(clock % 60, 2));
-    AddDigits(path, large, width - margin, height - margin, Padded(text.counter, 3));
-
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPen rim(QColor(0, 0, 0, 170), std::max(height * 0.0115, 1.6), Qt::SolidLine,
-                   Qt::RoundCap, Qt::RoundJoin);
-    painter.strokePath(path, rim);
-    painter.fillPath(path, QColor(250, 250, 246));
+    double x = margin;
+    const int fields[] = {clock / 3600 % 24, clock / 60 % 60, clock % 60};
+    for (int i = 0; i < 3; ++i) {
+        if (i > 0) {
+            colon.Draw(pixels, width, x, height - margin);
+            x += colon.Advance();
+        }
+        for (const int digit : {fields[i] / 10, fields[i] % 10}) {
+            const TextMask& mask = smallDigits[static_cast<std::size_t>(digit)];
+            mask.Draw(pixels, width, x, height - margin);
+            x += mask.Advance();
+        }
+    }
+    // Digits as wide as each other, so that a running number doesn't jitter.
+    x = width - margin - 3 * largeDigits[0].Advance();
+    for (const int digit : {counter / 100 % 10, counter / 10 % 10, counter % 10}) {
+        largeDigits[static_cast<std::size_t>(digit)].Draw(pixels, width, x, height - margin);
+        x += largeDigits[0].Advance();
+    }
 }
 
 }  // namespace marvolen::scenes

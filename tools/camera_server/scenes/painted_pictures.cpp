@@ -23,7 +23,9 @@ namespace {
 
 using scenes::Renderer;
 
-constexpr int kPaintingNice = 5;
+// Somebody waits for a view's first picture; the others must not be in anybody's way.
+constexpr int kFirstNice = 5;
+constexpr int kOtherNice = 19;
 constexpr int kFirstQuality = 80;
 constexpr int kQualityStep = 6;
 constexpr int kLowestQuality = 44;
@@ -51,33 +53,44 @@ std::vector<std::uint8_t> Encode(const QImage& image, int quality) {
     return {bytes.begin(), bytes.end()};
 }
 
+// A picture of the given size from one twice as wide and high.
+scenes::Pixels Halve(const scenes::Pixels& pixels, int width, int height) {
+    scenes::Pixels halved;
+    halved.reserve(pixels.size() / 4);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const std::uint32_t* const upper =
+                &pixels[static_cast<std::size_t>(4 * width * y + 2 * x)];
+            const std::uint32_t* const lower = upper + 2 * width;
+            const std::uint32_t four[] = {upper[0], upper[1], lower[0], lower[1]};
+            halved.push_back(scenes::Average(four, 4));
+        }
+    }
+    return halved;
+}
+
 // Paints one view's loop, picture by picture.
 class Painter {
 public:
-    Painter(const View& paintedView, std::size_t loopLength, std::string channelName)
+    Painter(const View& paintedView, std::size_t loopLength, const std::string& name)
         : view(paintedView),
           length(loopLength),
-          name(std::move(channelName)),
           extent(ExtentOf(view.size)),
           // The smallest pictures are painted larger and reduced, which keeps their details.
           scale(view.size == PictureSize::Qsif ? 2 : 1),
           renderer(scenes::SceneFor(view.channel, view.camera, static_cast<float>(loopLength) / 30),
-                   extent.width * scale, extent.height * scale) {}
+                   extent.width * scale, extent.height * scale),
+          overlay(view.channel + 1, name, extent.width, extent.height) {}
 
     PicturePtr Paint(std::size_t position) {
         const float phase = static_cast<float>(position) / static_cast<float>(length);
         scenes::Pixels pixels = renderer.Render(phase);
         renderer.AddNoise(pixels, scenes::Hash(static_cast<std::int32_t>(position), view.channel));
-        QImage image(reinterpret_cast<const uchar*>(pixels.data()), extent.width * scale,
-                     extent.height * scale, QImage::Format_RGB32);
-        image = scale == 1 ? image.copy()
-                           : image.scaled(extent.width, extent.height, Qt::IgnoreAspectRatio,
-                                          Qt::SmoothTransformation);
+        if (scale == 2) pixels = Halve(pixels, extent.width, extent.height);
         const int clock = renderer.TheScene().clock + static_cast<int>(position / 30);
-        scenes::DrawOverlay(image, {.channel = view.channel + 1,
-                                    .name = name,
-                                    .clock = clock,
-                                    .counter = static_cast<int>(position % 1000)});
+        overlay.Draw(pixels, clock, static_cast<int>(position % 1000));
+        const QImage image(reinterpret_cast<const uchar*>(pixels.data()), extent.width,
+                           extent.height, QImage::Format_RGB32);
         if (position == 0) ChooseQuality(image);
         return MakePicture(Encode(image, quality));
     }
@@ -99,10 +112,10 @@ private:
 
     const View view;
     const std::size_t length;
-    const std::string name;
     const PictureExtent extent;
     const int scale;
     const Renderer renderer;
+    const scenes::Overlay overlay;
     int quality = kFirstQuality;
 };
 
@@ -114,7 +127,10 @@ public:
         options.loopLength = std::max<std::size_t>(options.loopLength, 1);
         const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
         const int count = options.threads > 0 ? options.threads : processors;
-        for (int i = 0; i < count; ++i) threads.emplace_back([this] { Work(); });
+        for (int i = 0; i < count; ++i) {
+            threads.emplace_back([this] { Work(Stage::First); });
+            threads.emplace_back([this] { Work(Stage::Others); });
+        }
     }
 
     ~Studio() {
@@ -129,7 +145,7 @@ public:
     PicturePtr At(const View& view, std::uint64_t position) {
         const std::lock_guard hold(lock);
         const auto [entry, isNew] = loops.try_emplace(view);
-        if (isNew) workWaits.notify_one();
+        if (isNew) workWaits.notify_all();
         const std::vector<PicturePtr>& ready = entry->second.pictures;
         if (ready.empty()) return nullptr;
         return ready[std::min<std::size_t>(position % options.loopLength, ready.size() - 1)];
@@ -151,25 +167,31 @@ private:
         bool busy = false;
     };
 
-    // The idle loop with the fewest pictures; none when all are complete or in work.
-    std::map<View, Loop>::iterator Neediest() {
+    // What a thread paints: the first picture of a view, or those that follow.
+    enum class Stage { First, Others };
+
+    // The idle loop with the fewest pictures at that stage; none when all are complete or in work.
+    std::map<View, Loop>::iterator Neediest(Stage stage) {
         auto found = loops.end();
         for (auto entry = loops.begin(); entry != loops.end(); ++entry) {
             const std::size_t count = entry->second.pictures.size();
             if (entry->second.busy || count == options.loopLength) continue;
+            if ((count == 0) != (stage == Stage::First)) continue;
             if (found == loops.end() || count < found->second.pictures.size()) found = entry;
         }
         return found;
     }
 
-    void Work() {
-        // Applies to this thread alone; pictures must not be late because others are painted.
-        ::setpriority(PRIO_PROCESS, 0, kPaintingNice);
+    void Work(Stage stage) {
+        if (options.lowPriority) {
+            // Applies to this thread alone.
+            ::setpriority(PRIO_PROCESS, 0, stage == Stage::First ? kFirstNice : kOtherNice);
+        }
         std::unique_lock hold(lock);
         for (;;) {
             auto entry = loops.end();
             workWaits.wait(hold, [&] {
-                entry = Neediest();
+                entry = Neediest(stage);
                 return stopping || entry != loops.end();
             });
             if (stopping) return;
@@ -187,7 +209,7 @@ private:
             loop.pictures.push_back(std::move(picture));
             loop.busy = false;
             pictureDone.notify_all();
-            workWaits.notify_one();
+            workWaits.notify_all();
         }
     }
 

@@ -1,5 +1,7 @@
 #include "tools/camera_server/scenes/scene_list.h"
 
+#include "tools/camera_server/scenes/noise.h"
+
 #include <array>
 #include <cstddef>
 
@@ -42,6 +44,7 @@ Scene SceneFor(int channel, int camera, float seconds) {
                       .seconds = seconds};
     Scene scene = kPlaces[place].make(brief);
     scene.seconds = seconds;
+    scene.clock += static_cast<int>(Hash(channel, camera) % 1500);
     return scene;
 }
 

@@ -22,6 +22,58 @@ Vec3 Distant(const Scene& scene, const Brief& brief, unsigned colour, float haze
     return Mix(Rgb(colour) * dim, scene.sky.horizon * 0.8F, haze);
 }
 
+// Flowers along both sides of the path.
+void AddFlowerBeds(Scene& scene, const Brief& brief) {
+    for (int i = 0; i < 22; ++i) {
+        const float z = -4.5F + 0.85F * static_cast<float>(i / 2);
+        const float x = 1.3F * std::sin(z * 0.16F) + (i % 2 ? 2.1F : -2.1F);
+        AddBush(scene.still, {x, 0, z}, 0.42F, Rgb(0x4C6C38),
+                brief.seed * 5 + static_cast<std::uint32_t>(i));
+        const unsigned petals[] = {0xE84A6A, 0xF2C230, 0xF4F0F0, 0x9A5AC8, 0xE8742A};
+        for (int k = 0; k < 7; ++k) {
+            scene.still.push_back(Ball({x + 0.7F * (Chance(brief, i * 9 + k) - 0.5F),
+                                        0.42F + 0.18F * Chance(brief, i * 9 + k, 2),
+                                        z + 0.6F * (Chance(brief, i * 9 + k, 3) - 0.5F)},
+                                       {0.07F, 0.06F, 0.07F}, Surface::Plain,
+                                       Rgb(petals[Hash(i / 2, 1, brief.seed) % 5])));
+        }
+    }
+}
+
+// A shed with a door and a window.
+void AddShed(Scene& scene) {
+    scene.still.push_back(Block({5.6F, 1.2F, 6}, {1.9F, 1.2F, 1.5F}, Surface::Wood, Rgb(0x8A6A48)));
+    Shape roof = Block({5.6F, 2.9F, 6}, {2.2F, 0.55F, 1.8F}, Surface::RoofTiles, Rgb(0x6A6664));
+    roof.taperZ = 0.95F;
+    scene.still.push_back(roof);
+    scene.still.push_back(
+        Block({5.0F, 1.0F, 4.48F}, {0.5F, 1.0F, 0.05F}, Surface::Wood, Rgb(0xC8B898)));
+    scene.still.push_back(
+        Block({6.5F, 1.4F, 4.47F}, {0.4F, 0.35F, 0.05F}, Surface::Glass, Rgb(0x202428)));
+}
+
+void AddCityBlocks(Scene& scene, const Brief& brief) {
+    const bool dark = LampsBurn(brief.light);
+    const unsigned walls[] = {0x8A8078, 0xA88A70, 0x70787E, 0xB0A898, 0x586068, 0x946050};
+    for (int row = 0; row < 7; ++row) {
+        for (int i = -4; i < 5; ++i) {
+            const int n = row * 16 + i + 4;
+            const float z = 16 + 21.0F * static_cast<float>(row);
+            const float x =
+                (i < 0 ? -1.0F : 1.0F) * (15.0F + 19.0F * static_cast<float>(i < 0 ? -i - 1 : i));
+            const float tall =
+                5.5F + 12 * Chance(brief, n) * Chance(brief, n, 1) + (row > 3 ? 4.0F : 0.0F);
+            AddHouse(scene.still, {x, 0, z}, {7.5F, tall, 8}, 0,
+                     Rgb(walls[Hash(n, 2, brief.seed) % 6]) * (dark ? 0.8F : 1.0F),
+                     LitWindows(brief.light), brief.seed + static_cast<std::uint32_t>(n) * 3);
+            if (Chance(brief, n, 4) > 0.5F) {
+                scene.still.push_back(Block({x + 3, tall * 2 + 1.2F, z - 3}, {1.6F, 1.1F, 1.6F},
+                                            Surface::Concrete, Rgb(0x8A8A88)));
+            }
+        }
+    }
+}
+
 }  // namespace
 
 Scene Garden(const Brief& brief) {
@@ -42,21 +94,7 @@ Scene Garden(const Brief& brief) {
                 4.5F + 3.5F * Chance(brief, i, 1), Rgb(greens[Hash(i, 3, brief.seed) % 5]),
                 brief.seed + static_cast<std::uint32_t>(i));
     }
-    for (int i = 0; i < 22; ++i) {
-        // Flower beds along the path.
-        const float z = -4.5F + 0.85F * static_cast<float>(i / 2);
-        const float x = 1.3F * std::sin(z * 0.16F) + (i % 2 ? 2.1F : -2.1F);
-        AddBush(scene.still, {x, 0, z}, 0.42F, Rgb(0x4C6C38),
-                brief.seed * 5 + static_cast<std::uint32_t>(i));
-        const unsigned petals[] = {0xE84A6A, 0xF2C230, 0xF4F0F0, 0x9A5AC8, 0xE8742A};
-        for (int k = 0; k < 7; ++k) {
-            scene.still.push_back(Ball({x + 0.7F * (Chance(brief, i * 9 + k) - 0.5F),
-                                        0.42F + 0.18F * Chance(brief, i * 9 + k, 2),
-                                        z + 0.6F * (Chance(brief, i * 9 + k, 3) - 0.5F)},
-                                       {0.07F, 0.06F, 0.07F}, Surface::Plain,
-                                       Rgb(petals[Hash(i / 2, 1, brief.seed) % 5])));
-        }
-    }
+    AddFlowerBeds(scene, brief);
     AddHouse(scene.still, {5.2F, 0, 24}, {5.5F, 2.9F, 3.5F}, 3.2F, Rgb(0xE4DCC8),
              LitWindows(brief.light) + 0.02F, brief.seed + 3);
     // A fountain on the lawn.
@@ -130,24 +168,7 @@ Scene Skyline(const Brief& brief) {
         city.topShare = 0.05F + LitWindows(brief.light);
         scene.sky.ridges.push_back(city);
     }
-    const unsigned walls[] = {0x8A8078, 0xA88A70, 0x70787E, 0xB0A898, 0x586068, 0x946050};
-    for (int row = 0; row < 7; ++row) {
-        for (int i = -4; i < 5; ++i) {
-            const int n = row * 16 + i + 4;
-            const float z = 16 + 21.0F * static_cast<float>(row);
-            const float x =
-                (i < 0 ? -1.0F : 1.0F) * (15.0F + 19.0F * static_cast<float>(i < 0 ? -i - 1 : i));
-            const float tall =
-                5.5F + 12 * Chance(brief, n) * Chance(brief, n, 1) + (row > 3 ? 4.0F : 0.0F);
-            AddHouse(scene.still, {x, 0, z}, {7.5F, tall, 8}, 0,
-                     Rgb(walls[Hash(n, 2, brief.seed) % 6]) * (dark ? 0.8F : 1.0F),
-                     LitWindows(brief.light), brief.seed + static_cast<std::uint32_t>(n) * 3);
-            if (Chance(brief, n, 4) > 0.5F) {
-                scene.still.push_back(Block({x + 3, tall * 2 + 1.2F, z - 3}, {1.6F, 1.1F, 1.6F},
-                                            Surface::Concrete, Rgb(0x8A8A88)));
-            }
-        }
-    }
+    AddCityBlocks(scene, brief);
     for (int i = 0; i < 9; ++i) {
         const Vec3 at{i % 2 ? 6.2F : -6.2F, 4, 10 + 17.0F * static_cast<float>(i)};
         if (dark) {
@@ -206,15 +227,7 @@ Scene BackYard(const Brief& brief) {
     }
     scene.still.push_back(
         Block({0, 1.5F, 9.56F}, {14, 0.06F, 0.04F}, Surface::Wood, Rgb(0xA89878)));
-    // A shed with a door and a window.
-    scene.still.push_back(Block({5.6F, 1.2F, 6}, {1.9F, 1.2F, 1.5F}, Surface::Wood, Rgb(0x8A6A48)));
-    Shape roof = Block({5.6F, 2.9F, 6}, {2.2F, 0.55F, 1.8F}, Surface::RoofTiles, Rgb(0x6A6664));
-    roof.taperZ = 0.95F;
-    scene.still.push_back(roof);
-    scene.still.push_back(
-        Block({5.0F, 1.0F, 4.48F}, {0.5F, 1.0F, 0.05F}, Surface::Wood, Rgb(0xC8B898)));
-    scene.still.push_back(
-        Block({6.5F, 1.4F, 4.47F}, {0.4F, 0.35F, 0.05F}, Surface::Glass, Rgb(0x202428)));
+    AddShed(scene);
     AddTree(scene.still, {-6.2F, 0, 5}, 6, Rgb(0x8A9A60), brief.seed);
     AddTree(scene.still, {1.5F, 0, 13}, 7, Rgb(0x8A9A60), brief.seed + 1);
     AddTree(scene.still, {-3.5F, 0, 14}, 6, Rgb(0x8A9A60), brief.seed + 2);

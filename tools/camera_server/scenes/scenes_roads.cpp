@@ -38,18 +38,8 @@ void AddTreeLine(Scene& scene, Daylight light, float base, float amplitude) {
     scene.sky.ridges.push_back(trees);
 }
 
-}  // namespace
-
-Scene Gate(const Brief& brief) {
-    Scene scene;
-    LightUp(scene, brief.light, -2.2F, brief.seed);
-    scene.eye = {-3.5F, 4.6F, -9.5F};
-    scene.target = {0.9F, 0.7F, 3.5F};
-    scene.fieldOfView = 62;
-    AddTreeLine(scene, brief.light, 0.03F, 0.12F);
-    Shape ground = GroundOf(Surface::Street, Rgb(0x5A5A5C), 3.2F);
-    scene.still.push_back(ground);
-
+// Two posts of brick with lamps, and a low wall with a fence beside each.
+void AddGatePosts(Scene& scene) {
     const Vec3 brick = Rgb(0x9A5A42);
     for (const float side : {-1.0F, 1.0F}) {
         scene.still.push_back(
@@ -68,12 +58,10 @@ Scene Gate(const Brief& brief) {
         scene.still.push_back(
             Block({side * 11.7F, 1.8F, 4}, {7.0F, 0.03F, 0.03F}, Surface::Plain, Rgb(0x25282B)));
     }
-    Shape lawn = Block({-15, 0.02F, 1}, {11.2F, 0.05F, 40}, Surface::Grass, kGrass);
-    lawn.centre.x = -16.0F;
-    scene.still.push_back(lawn);
-    lawn.centre.x = 16.0F;
-    scene.still.push_back(lawn);
-    // The booth beside the drive.
+}
+
+// The booth beside the drive.
+void AddBooth(Scene& scene) {
     scene.still.push_back(
         Block({5.8F, 1.2F, 0.4F}, {1.0F, 1.2F, 1.1F}, Surface::Wood, Rgb(0xC9BFA6)));
     scene.still.push_back(
@@ -84,6 +72,95 @@ Scene Gate(const Brief& brief) {
         Block({5.8F, 2.46F, 0.4F}, {1.3F, 0.09F, 1.4F}, Surface::Plain, Rgb(0x4A5058)));
     scene.still.push_back(
         Block({3.9F, 0.55F, 1.5F}, {0.18F, 0.55F, 0.18F}, Surface::Paint, Rgb(0xE0B020)));
+}
+
+// A gantry with two signs.
+void AddGantry(Scene& scene) {
+    for (const float x : {-14.6F, 14.6F}) {
+        scene.still.push_back(Column({x, 3.6F, 34}, 0.22F, 3.6F, Surface::Plain, Rgb(0x8A8E92)));
+    }
+    scene.still.push_back(Block({0, 7, 34}, {14.7F, 0.22F, 0.22F}, Surface::Plain, Rgb(0x8A8E92)));
+    for (const float x : {-7.5F, 6.8F}) {
+        scene.still.push_back(
+            Block({x, 6.3F, 33.6F}, {3.6F, 1.15F, 0.08F}, Surface::Plain, Rgb(0xE8EAEC)));
+        scene.still.push_back(
+            Block({x, 6.3F, 33.5F}, {3.5F, 1.06F, 0.08F}, Surface::Plain, Rgb(0x1A4C94)));
+        for (int line = 0; line < 2; ++line) {
+            scene.still.push_back(Block({x - 0.6F, 6.7F - 0.75F * static_cast<float>(line), 33.4F},
+                                        {1.9F - 0.5F * static_cast<float>(line), 0.15F, 0.03F},
+                                        Surface::Plain, Rgb(0xF0F2F4)));
+        }
+    }
+}
+
+// Two tracks on sleepers.
+void AddTracks(Scene& scene) {
+    for (const float x : {1.4F, 2.85F, 5.9F, 7.35F}) {
+        scene.still.push_back(
+            Block({x, 0.2F, 40}, {0.04F, 0.08F, 70}, Surface::Paint, Rgb(0x8A7A6C)));
+    }
+    for (int i = 0; i < 60; ++i) {
+        for (const float x : {2.1F, 6.6F}) {
+            scene.still.push_back(Block({x, 0.08F, -6 + 0.75F * static_cast<float>(i)},
+                                        {1.2F, 0.07F, 0.12F}, Surface::Wood, Rgb(0x6E6256)));
+        }
+    }
+}
+
+void AddBenches(Scene& scene) {
+    for (int i = 0; i < 3; ++i) {
+        const float z = 2.5F + 9.0F * static_cast<float>(i);
+        scene.still.push_back(
+            Block({-5.6F, 1.35F, z}, {0.25F, 0.05F, 0.9F}, Surface::Wood, Rgb(0xA87848)));
+        scene.still.push_back(
+            Block({-5.85F, 1.62F, z}, {0.04F, 0.24F, 0.9F}, Surface::Wood, Rgb(0xA87848)));
+        scene.still.push_back(
+            Block({-5.6F, 1.12F, z}, {0.2F, 0.2F, 0.7F}, Surface::Plain, Rgb(0x33373A)));
+    }
+}
+
+// Coach follows coach: after a loop each stands where the next one stood.
+void AddTrain(Shapes& moving, float phase, float seconds) {
+    const float coach = 15.5F;
+    const float coaches = std::max(1.0F, std::round(seconds * 0.55F));
+    for (float z = -phase * coaches * coach; z < 130; z += coach) {
+        if (z < -coach) continue;
+        const Vec3 at{6.6F, 0, z};
+        moving.push_back(Block(at + Vec3{0, 1.05F, 0}, {1.4F, 0.5F, coach / 2 - 0.25F},
+                               Surface::Paint, Rgb(0x7A1F24)));
+        moving.push_back(Block(at + Vec3{0, 2.1F, 0}, {1.36F, 0.55F, coach / 2 - 0.3F},
+                               Surface::Glass, Rgb(0x1A1E22)));
+        moving.push_back(Block(at + Vec3{0, 2.95F, 0}, {1.4F, 0.32F, coach / 2 - 0.25F},
+                               Surface::Paint, Rgb(0xE2DACA)));
+        for (int k = 0; k < 7; ++k) {
+            moving.push_back(Block(
+                at + Vec3{0, 2.1F, -coach / 2 + 0.6F + static_cast<float>(k) * (coach - 1.2F) / 6},
+                {1.39F, 0.56F, 0.28F}, Surface::Paint, Rgb(0xE2DACA)));
+        }
+        moving.push_back(Block(at + Vec3{0, 0.4F, 0}, {1.0F, 0.25F, coach / 2 - 1.5F},
+                               Surface::Plain, Rgb(0x1E1E20)));
+    }
+}
+
+}  // namespace
+
+Scene Gate(const Brief& brief) {
+    Scene scene;
+    LightUp(scene, brief.light, -2.2F, brief.seed);
+    scene.eye = {-3.5F, 4.6F, -9.5F};
+    scene.target = {0.9F, 0.7F, 3.5F};
+    scene.fieldOfView = 62;
+    AddTreeLine(scene, brief.light, 0.03F, 0.12F);
+    Shape ground = GroundOf(Surface::Street, Rgb(0x5A5A5C), 3.2F);
+    scene.still.push_back(ground);
+
+    AddGatePosts(scene);
+    Shape lawn = Block({-15, 0.02F, 1}, {11.2F, 0.05F, 40}, Surface::Grass, kGrass);
+    lawn.centre.x = -16.0F;
+    scene.still.push_back(lawn);
+    lawn.centre.x = 16.0F;
+    scene.still.push_back(lawn);
+    AddBooth(scene);
     AddHouse(scene.still, {-15, 0, 30}, {8, 4.5F, 5}, 3.5F, Rgb(0xD6CBB4), LitWindows(brief.light),
              brief.seed);
     AddHouse(scene.still, {14, 0, 34}, {9, 6.2F, 5}, 0, Rgb(0xB7A58C), LitWindows(brief.light),
@@ -256,22 +333,7 @@ Scene Highway(const Brief& brief) {
                                         {0.05F, 0.3F, 0.05F}, Surface::Plain, steel * 0.7F));
         }
     }
-    // A gantry with two signs.
-    for (const float x : {-14.6F, 14.6F}) {
-        scene.still.push_back(Column({x, 3.6F, 34}, 0.22F, 3.6F, Surface::Plain, Rgb(0x8A8E92)));
-    }
-    scene.still.push_back(Block({0, 7, 34}, {14.7F, 0.22F, 0.22F}, Surface::Plain, Rgb(0x8A8E92)));
-    for (const float x : {-7.5F, 6.8F}) {
-        scene.still.push_back(
-            Block({x, 6.3F, 33.6F}, {3.6F, 1.15F, 0.08F}, Surface::Plain, Rgb(0xE8EAEC)));
-        scene.still.push_back(
-            Block({x, 6.3F, 33.5F}, {3.5F, 1.06F, 0.08F}, Surface::Plain, Rgb(0x1A4C94)));
-        for (int line = 0; line < 2; ++line) {
-            scene.still.push_back(Block({x - 0.6F, 6.7F - 0.75F * static_cast<float>(line), 33.4F},
-                                        {1.9F - 0.5F * static_cast<float>(line), 0.15F, 0.03F},
-                                        Surface::Plain, Rgb(0xF0F2F4)));
-        }
-    }
+    AddGantry(scene);
     for (int i = 0; i < 16; ++i) {
         const float side = i % 2 ? 1.0F : -1.0F;
         AddTree(scene.still,
@@ -316,16 +378,7 @@ Scene Station(const Brief& brief) {
         Block({0.05F, 0.905F, 30}, {0.1F, 0.01F, 60}, Surface::Plain, Rgb(0xF0EEE6)));
     scene.still.push_back(
         Block({-0.75F, 0.905F, 30}, {0.16F, 0.008F, 60}, Surface::Plain, Rgb(0xE0B838)));
-    for (const float x : {1.4F, 2.85F, 5.9F, 7.35F}) {
-        scene.still.push_back(
-            Block({x, 0.2F, 40}, {0.04F, 0.08F, 70}, Surface::Paint, Rgb(0x8A7A6C)));
-    }
-    for (int i = 0; i < 60; ++i) {
-        for (const float x : {2.1F, 6.6F}) {
-            scene.still.push_back(Block({x, 0.08F, -6 + 0.75F * static_cast<float>(i)},
-                                        {1.2F, 0.07F, 0.12F}, Surface::Wood, Rgb(0x6E6256)));
-        }
-    }
+    AddTracks(scene);
     for (int i = 0; i < 6; ++i) {
         const float z = -1 + 7.0F * static_cast<float>(i);
         scene.still.push_back(Column({-3.4F, 2.6F, z}, 0.14F, 1.8F, Surface::Paint, Rgb(0x2E5A4A)));
@@ -338,15 +391,7 @@ Scene Station(const Brief& brief) {
     Shape hall = Block({-11, 3, 25}, {2.4F, 3, 36}, Surface::Facade, Rgb(0x9A5E48));
     hall.parameter = dark ? 0.5F : 0.1F;
     scene.still.push_back(hall);
-    for (int i = 0; i < 3; ++i) {
-        const float z = 2.5F + 9.0F * static_cast<float>(i);
-        scene.still.push_back(
-            Block({-5.6F, 1.35F, z}, {0.25F, 0.05F, 0.9F}, Surface::Wood, Rgb(0xA87848)));
-        scene.still.push_back(
-            Block({-5.85F, 1.62F, z}, {0.04F, 0.24F, 0.9F}, Surface::Wood, Rgb(0xA87848)));
-        scene.still.push_back(
-            Block({-5.6F, 1.12F, z}, {0.2F, 0.2F, 0.7F}, Surface::Plain, Rgb(0x33373A)));
-    }
+    AddBenches(scene);
     for (int i = 0; i < 8; ++i) {
         AddTree(scene.still, {12 + 4 * Chance(brief, i), 0, 3 + 6.0F * static_cast<float>(i)},
                 5 + 4 * Chance(brief, i, 1), kLeaves, brief.seed + static_cast<std::uint32_t>(i));
@@ -354,27 +399,7 @@ Scene Station(const Brief& brief) {
     const std::uint32_t seed = brief.seed;
     const float seconds = brief.seconds;
     scene.animate = [=](float phase, Shapes& moving) {
-        // Coach follows coach: after a loop each stands where the next one stood.
-        const float coach = 15.5F;
-        const float coaches = std::max(1.0F, std::round(seconds * 0.55F));
-        for (float z = -phase * coaches * coach; z < 130; z += coach) {
-            if (z < -coach) continue;
-            const Vec3 at{6.6F, 0, z};
-            moving.push_back(Block(at + Vec3{0, 1.05F, 0}, {1.4F, 0.5F, coach / 2 - 0.25F},
-                                   Surface::Paint, Rgb(0x7A1F24)));
-            moving.push_back(Block(at + Vec3{0, 2.1F, 0}, {1.36F, 0.55F, coach / 2 - 0.3F},
-                                   Surface::Glass, Rgb(0x1A1E22)));
-            moving.push_back(Block(at + Vec3{0, 2.95F, 0}, {1.4F, 0.32F, coach / 2 - 0.25F},
-                                   Surface::Paint, Rgb(0xE2DACA)));
-            for (int k = 0; k < 7; ++k) {
-                moving.push_back(
-                    Block(at + Vec3{0, 2.1F,
-                                    -coach / 2 + 0.6F + static_cast<float>(k) * (coach - 1.2F) / 6},
-                          {1.39F, 0.56F, 0.28F}, Surface::Paint, Rgb(0xE2DACA)));
-            }
-            moving.push_back(Block(at + Vec3{0, 0.4F, 0}, {1.0F, 0.25F, coach / 2 - 1.5F},
-                                   Surface::Plain, Rgb(0x1E1E20)));
-        }
+        AddTrain(moving, phase, seconds);
         const float spots[][2] = {{-1.5F, 2.2F}, {-2.0F, 3.0F}, {-1.7F, 8.5F}, {-2.4F, 14.0F}};
         for (int i = 0; i < 4; ++i) {
             AddStander(moving, {spots[i][0], 0.9F, spots[i][1]}, 1.2F + static_cast<float>(i),

@@ -81,17 +81,8 @@ void AddRack(Shapes& shapes, const Vec3& foot, float halfLength, int levels, std
     }
 }
 
-}  // namespace
-
-Scene Reception(const Brief& brief) {
-    Scene scene;
-    LightRoom(scene, Rgb(0xFFF4E2), 0.78F);
-    scene.eye = {-4.4F, 3.0F, -4.6F};
-    scene.target = {1.0F, 0.9F, 4.2F};
-    scene.fieldOfView = 70;
-    Shape floor = GroundOf(Surface::Tiles, Rgb(0xC9C1B2), 0.12F);
-    AddRoom(scene, 6.5F, 3.6F, -8, 9, Rgb(0xDDD6C8), Rgb(0xECEAE4), floor);
-    // A window front on the right with daylight and a garden behind it.
+// A window front on the right with daylight and a garden behind it.
+void AddWindowFront(Scene& scene) {
     for (int i = 0; i < 6; ++i) {
         const float z = -5.6F + 2.5F * static_cast<float>(i);
         scene.still.push_back(Glow({6.42F, 1.75F, z}, {0.04F, 1.35F, 1.12F}, Rgb(0xD4E6F4), 1.25F));
@@ -101,7 +92,10 @@ Scene Reception(const Brief& brief) {
         scene.still.push_back(
             Block({6.35F, 1.75F, z + 1.25F}, {0.08F, 1.45F, 0.07F}, Surface::Plain, Rgb(0x50545A)));
     }
-    // The desk with screens and a sign on the wall behind it.
+}
+
+// The desk with screens and a sign on the wall behind it.
+void AddDesk(Scene& scene) {
     scene.still.push_back(
         Block({0.6F, 0.55F, 5.6F}, {2.4F, 0.55F, 0.45F}, Surface::Wood, Rgb(0x8A5A34)));
     scene.still.push_back(
@@ -117,6 +111,26 @@ Scene Reception(const Brief& brief) {
         scene.still.push_back(Glow({-0.75F + 0.45F * static_cast<float>(i), 2.35F, 8.82F},
                                    {0.13F, 0.22F, 0.03F}, Rgb(0xFFF0D0), 2.0F));
     }
+}
+
+// Where on the floor a person can't be seen from eye because of a pillar.
+Vec3 HiddenBehind(const Vec3& pillar, const Vec3& eye) {
+    const Vec3 way = Normalised({pillar.x - eye.x, 0, pillar.z - eye.z});
+    return Vec3{pillar.x, 0, pillar.z} + way * 0.75F;
+}
+
+}  // namespace
+
+Scene Reception(const Brief& brief) {
+    Scene scene;
+    LightRoom(scene, Rgb(0xFFF4E2), 0.78F);
+    scene.eye = {-4.4F, 3.0F, -4.6F};
+    scene.target = {1.0F, 0.9F, 4.2F};
+    scene.fieldOfView = 70;
+    Shape floor = GroundOf(Surface::Tiles, Rgb(0xC9C1B2), 0.12F);
+    AddRoom(scene, 6.5F, 3.6F, -8, 9, Rgb(0xDDD6C8), Rgb(0xECEAE4), floor);
+    AddWindowFront(scene);
+    AddDesk(scene);
     for (const float x : {-3.9F, -2.1F}) {
         scene.still.push_back(
             Block({x, 0.3F, 3.4F}, {0.7F, 0.18F, 0.42F}, Surface::Plain, Rgb(0x2F5A6E)));
@@ -129,11 +143,14 @@ Scene Reception(const Brief& brief) {
     AddPlant(scene.still, {-5.7F, 0, 7.9F}, brief.seed);
     AddPlant(scene.still, {5.5F, 0, 7.9F}, brief.seed + 9);
     AddPlant(scene.still, {-5.3F, 0, 4.4F}, brief.seed + 5);
-    const float reach = 0.75F * brief.seconds;
-    for (const float x : {-reach, reach}) {
-        scene.still.push_back(
-            Column({1.4F + x, 1.8F, 2.4F}, 0.34F, 1.8F, Surface::Concrete, Rgb(0xD0CAC0)));
+    // Somebody walks from behind one pillar to behind the other; how far depends on the loop.
+    const float reach = std::min(0.75F * brief.seconds, 4.0F);
+    const Vec3 pillars[] = {{1.4F - reach, 1.8F, 2.4F}, {1.4F + reach, 1.8F, 2.4F}};
+    for (const Vec3& pillar : pillars) {
+        scene.still.push_back(Column(pillar, 0.36F, 1.8F, Surface::Concrete, Rgb(0xD0CAC0)));
     }
+    const Vec3 left = HiddenBehind(pillars[0], scene.eye);
+    const Vec3 right = HiddenBehind(pillars[1], scene.eye);
     for (int i = 0; i < 8; ++i) {
         AddCeilingLamp(scene,
                        {-4.2F + 2.8F * static_cast<float>(i % 4), 3.58F, i < 4 ? 1.5F : 6.0F},
@@ -144,8 +161,7 @@ Scene Reception(const Brief& brief) {
     scene.animate = [=](float phase, Shapes& moving) {
         AddStander(moving, {0.6F, 0, 6.6F}, kPi, phase, CommonPerson(seed * 3 + 1));
         AddStander(moving, {-0.9F, 0, 4.4F}, 0.3F, phase, CommonPerson(seed * 3 + 2));
-        AddWalker(moving, {1.4F - reach, 0, 2.75F}, {1.4F + reach, 0, 2.75F}, phase, seconds,
-                  CommonPerson(seed * 3 + 3));
+        AddWalker(moving, left, right, phase, seconds, CommonPerson(seed * 3 + 3));
         for (const float x : {-0.5F, 1.5F}) {
             moving.push_back(Glow({x, 1.42F, 5.715F}, {0.23F, 0.15F, 0.01F},
                                   Mix(Rgb(0x6AA0D0), Rgb(0x90C0A0), Swing(phase, 2, x)), 0.9F));

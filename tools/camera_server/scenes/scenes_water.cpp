@@ -63,27 +63,9 @@ void AddJetty(Shapes& shapes, float x, float from, float to, float height) {
     }
 }
 
-}  // namespace
-
-Scene Harbour(const Brief& brief) {
-    Scene scene;
-    LightUp(scene, brief.light, 0.42F, brief.seed);
-    scene.eye = {-2.5F, 4.2F, -12};
-    scene.target = {0.8F, 1.9F, 8};
-    scene.fieldOfView = 62;
+// The quay with the houses on it.
+void AddQuay(Scene& scene, const Brief& brief) {
     const bool dark = LampsBurn(brief.light);
-    scene.still.push_back(GroundOf(Surface::Water, Rgb(0x2A4A54)));
-    Ridge hills{
-        .kind = Ridge::Kind::Mountains, .base = 0.03F, .amplitude = 0.13F, .frequency = 2.2F};
-    hills.colour = Distant(scene, brief, 0x5A6478, 0.45F);
-    scene.sky.ridges.push_back(hills);
-    Ridge town{.kind = Ridge::Kind::City, .base = 0.012F, .amplitude = 0.06F, .frequency = 34};
-    town.colour = Distant(scene, brief, 0x8A7468, 0.25F);
-    town.tops = Rgb(0xFFCC80);
-    town.topShare = 0.12F + LitWindows(brief.light);
-    scene.sky.ridges.push_back(town);
-
-    // The quay and what stands on it.
     scene.still.push_back(
         Block({-13.2F, 0.5F, 6}, {6, 0.9F, 34}, Surface::Concrete, Rgb(0x9C968A)));
     for (int i = 0; i < 4; ++i) {
@@ -99,6 +81,49 @@ Scene Harbour(const Brief& brief) {
     }
     AddStreetLamp(scene, {-8.3F, 1.4F, 3}, 4.2F, 0.9F, dark, Rgb(0xFFC070));
     AddStreetLamp(scene, {-8.3F, 1.4F, 14}, 4.2F, 0.9F, dark, Rgb(0xFFC070));
+}
+
+// The lighthouse, and the house beside it.
+void AddTower(Scene& scene, const Vec3& foot, const Brief& brief) {
+    const bool dark = LampsBurn(brief.light);
+    for (int i = 0; i < 5; ++i) {
+        Shape ring = Column(foot + Vec3{0, 0.9F + 1.8F * static_cast<float>(i), 0},
+                            1.45F - 0.12F * static_cast<float>(i), 0.9F, Surface::Concrete,
+                            i % 2 ? Rgb(0xB8231E) : Rgb(0xF0EEE8));
+        scene.still.push_back(ring);
+        scene.still.push_back(Block(foot + Vec3{-0.9F, 1.0F + 1.8F * static_cast<float>(i), -0.95F},
+                                    {0.18F, 0.3F, 0.25F}, Surface::Glass, Rgb(0x20262A)));
+    }
+    scene.still.push_back(
+        Column(foot + Vec3{0, 9.1F, 0}, 1.35F, 0.12F, Surface::Plain, Rgb(0x3A3E42)));
+    scene.still.push_back(
+        Column(foot + Vec3{0, 9.85F, 0}, 0.62F, 0.65F, Surface::Glass, Rgb(0x9AB0B8)));
+    Shape cap = Ball(foot + Vec3{0, 10.5F, 0}, {0.8F, 0.55F, 0.8F}, Surface::Paint, Rgb(0xA8201C));
+    scene.still.push_back(cap);
+    AddHouse(scene.still, {3.2F, 1.9F, 9.8F}, {1.9F, 1.15F, 1.4F}, 1.3F, Rgb(0xEDE8DC),
+             dark ? 0.6F : 0.0F, brief.seed);
+}
+
+}  // namespace
+
+Scene Harbour(const Brief& brief) {
+    Scene scene;
+    LightUp(scene, brief.light, 0.42F, brief.seed);
+    scene.eye = {-2.5F, 4.2F, -12};
+    scene.target = {0.8F, 1.9F, 8};
+    scene.fieldOfView = 62;
+    scene.still.push_back(GroundOf(Surface::Water, Rgb(0x2A4A54)));
+    Ridge hills{
+        .kind = Ridge::Kind::Mountains, .base = 0.03F, .amplitude = 0.13F, .frequency = 2.2F};
+    hills.colour = Distant(scene, brief, 0x5A6478, 0.45F);
+    scene.sky.ridges.push_back(hills);
+    Ridge town{.kind = Ridge::Kind::City, .base = 0.012F, .amplitude = 0.06F, .frequency = 34};
+    town.colour = Distant(scene, brief, 0x8A7468, 0.25F);
+    town.tops = Rgb(0xFFCC80);
+    town.topShare = 0.12F + LitWindows(brief.light);
+    scene.sky.ridges.push_back(town);
+
+    AddQuay(scene, brief);
     AddJetty(scene.still, 6.8F, -5, 16, 0.8F);
     // A crane behind the quay.
     scene.still.push_back(Block({-9.5F, 7, 36}, {0.5F, 7, 0.5F}, Surface::Plain, Rgb(0xC88A20)));
@@ -205,7 +230,6 @@ Scene Lighthouse(const Brief& brief) {
     scene.eye = {-5, 4.6F, -17};
     scene.target = {1.6F, 3.6F, 6};
     scene.fieldOfView = 60;
-    const bool dark = LampsBurn(brief.light);
     scene.still.push_back(GroundOf(Surface::Water, Rgb(0x1C5264)));
     Ridge coast{
         .kind = Ridge::Kind::Mountains, .base = 0.004F, .amplitude = 0.045F, .frequency = 1.6F};
@@ -224,22 +248,7 @@ Scene Lighthouse(const Brief& brief) {
     }
     scene.still.push_back(Ball({7, 0.6F, 9.5F}, {6.2F, 1.9F, 5.2F}, Surface::Grass, Rgb(0x6E8A42)));
     const Vec3 foot{7.5F, 2.2F, 9.5F};
-    for (int i = 0; i < 5; ++i) {
-        Shape ring = Column(foot + Vec3{0, 0.9F + 1.8F * static_cast<float>(i), 0},
-                            1.45F - 0.12F * static_cast<float>(i), 0.9F, Surface::Concrete,
-                            i % 2 ? Rgb(0xB8231E) : Rgb(0xF0EEE8));
-        scene.still.push_back(ring);
-        scene.still.push_back(Block(foot + Vec3{-0.9F, 1.0F + 1.8F * static_cast<float>(i), -0.95F},
-                                    {0.18F, 0.3F, 0.25F}, Surface::Glass, Rgb(0x20262A)));
-    }
-    scene.still.push_back(
-        Column(foot + Vec3{0, 9.1F, 0}, 1.35F, 0.12F, Surface::Plain, Rgb(0x3A3E42)));
-    scene.still.push_back(
-        Column(foot + Vec3{0, 9.85F, 0}, 0.62F, 0.65F, Surface::Glass, Rgb(0x9AB0B8)));
-    Shape cap = Ball(foot + Vec3{0, 10.5F, 0}, {0.8F, 0.55F, 0.8F}, Surface::Paint, Rgb(0xA8201C));
-    scene.still.push_back(cap);
-    AddHouse(scene.still, {3.2F, 1.9F, 9.8F}, {1.9F, 1.15F, 1.4F}, 1.3F, Rgb(0xEDE8DC),
-             dark ? 0.6F : 0.0F, brief.seed);
+    AddTower(scene, foot, brief);
     for (int i = 0; i < 12; ++i) {
         scene.still.push_back(Block({0.6F + 0.9F * static_cast<float>(i), 2.35F, 6.3F},
                                     {0.05F, 0.42F, 0.05F}, Surface::Wood, Rgb(0xE8E4DA)));
