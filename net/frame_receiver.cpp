@@ -1,5 +1,7 @@
 #include "net/frame_receiver.h"
 
+#include "net/channel_link.h"
+
 #include <utility>
 
 namespace marvolen {
@@ -34,6 +36,10 @@ void FrameReceiver::ClearChain() {
 
 void FrameReceiver::Forward(FramePtr frame) {
     if (next != nullptr) next->Deliver(std::move(frame));
+}
+
+void FrameReceiver::PostEvent(int code) {
+    if (link != nullptr) link->OnEvent(code);
 }
 
 }  // namespace marvolen

@@ -27,13 +27,10 @@ bool StreamClient::Connect(std::string_view streamUrl, NotifyFunction notifyFunc
     notify = notifyFunction;
     notifyContext = context;
     if (!Create()) return false;
-    const bool established = CAsyncSocket::Connect(host, port);
     settled = false;
-    if (!established && GetLastError() != kWouldBlock) {
-        Close();
-        return false;
-    }
-    return true;
+    if (CAsyncSocket::Connect(host, port)) return true;
+    Close();
+    return false;
 }
 
 bool StreamClient::BuildRequest() {

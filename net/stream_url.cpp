@@ -122,6 +122,8 @@ bool CrackUrlPart(std::string_view url, UrlPart part, std::string& output) {
     std::string component =
         part == UrlPart::Port ? std::to_string(*port) : DecodeEscapes(Raw(*parts, part));
     if (component.size() > kMaxUrlComponent) return false;
+    // Whoever takes the text up to its NUL would get another host or path than asked for.
+    if (component.find('\0') != std::string::npos) return false;
     output = std::move(component);
     return true;
 }

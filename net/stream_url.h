@@ -42,7 +42,7 @@ inline constexpr std::size_t kMaxUrlComponent = 259;  // bytes, after decoding
 std::string FormStreamUrl(const ChannelInfo& info);
 
 // Replaces output by one decoded component. False, with output unchanged, when the URL doesn't
-// have the shape above or the component is longer than kMaxUrlComponent.
+// have the shape above, or the component is longer than kMaxUrlComponent or holds a NUL.
 bool CrackUrlPart(std::string_view url, UrlPart part, std::string& output);
 
 // Appends input to output with every blank written as "%20"; all other bytes stay as they are.

@@ -18,7 +18,6 @@ namespace {
 int Translate(int systemError) {
     switch (systemError) {
         case EAGAIN:
-        case EINPROGRESS:
             return kWouldBlock;
         case ETIMEDOUT:
             return kTimedOut;
@@ -61,7 +60,12 @@ CAsyncSocket::~CAsyncSocket() {
 bool CAsyncSocket::Create() {
     if (IsOpen()) return Fail(EISCONN);
     descriptor = Descriptor(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    return IsOpen() || Fail(errno);
+    if (!IsOpen()) return Fail(errno);
+    // An urgent byte stands in the stream like any other; kept apart, it would be a descriptor that
+    // is readable without a byte to read.
+    const int inStream = 1;
+    setsockopt(descriptor.Get(), SOL_SOCKET, SO_OOBINLINE, &inStream, sizeof(inStream));
+    return true;
 }
 
 bool CAsyncSocket::Connect(std::string_view host, std::uint16_t port) {
@@ -69,14 +73,14 @@ bool CAsyncSocket::Connect(std::string_view host, std::uint16_t port) {
     if (watch != nullptr || lookup != nullptr) return Fail(EALREADY);
     if (const std::optional<Ipv4Address> address = ParseAddress(host)) {
         const int error = BeginConnect(*address, port);
-        return Fail(error == 0 ? EINPROGRESS : error);
+        return error == 0 || Fail(error);
     }
     lookup = HostRequest::Start(host, [this, port](std::optional<Ipv4Address> address) {
         lookup.reset();
         const int error = address ? BeginConnect(*address, port) : kHostNotFound;
         if (error != 0) OnConnect(Translate(error));
     });
-    return Fail(lookup == nullptr ? EMFILE : EINPROGRESS);
+    return lookup != nullptr || Fail(EMFILE);
 }
 
 // Starts connecting. Returns 0 when the outcome will be reported, else the system's error.
@@ -89,8 +93,10 @@ int CAsyncSocket::BeginConnect(std::uint32_t address, std::uint16_t port) {
     if (connect(descriptor.Get(), reinterpret_cast<const sockaddr*>(&peer), sizeof(peer)) != 0) {
         // An interrupted connect goes on all the same.
         const bool underWay = errno == EINPROGRESS || errno == EINTR;
-        if (!underWay && !IsNetworkError(errno)) return errno;
-        if (!underWay) connectError = errno;
+        // Here EAGAIN says that no local port is left; nothing is under way.
+        const int error = errno == EAGAIN ? EADDRNOTAVAIL : errno;
+        if (!underWay && !IsNetworkError(error)) return error;
+        if (!underWay) connectError = error;
     }
     // A socket that has failed to connect counts as writable too.
     watch = std::make_unique<DescriptorWatch>(descriptor.Get(), DescriptorWatch::Readiness::Write,
@@ -112,7 +118,8 @@ void CAsyncSocket::OnWritable() {
     OnConnect(Translate(error));
 }
 
-// Calls at most one handler, last, since that may destroy the socket.
+// Calls at most one handler, last, since that may destroy the socket. While the descriptor is
+// ready, every turn makes progress: Receive is asked for, or the reports end.
 void CAsyncSocket::OnReadable() {
     if (HasBytes(descriptor.Get())) {
         OnReceive();
@@ -123,12 +130,12 @@ void CAsyncSocket::OnReadable() {
     const bool failed = (state.revents & (POLLERR | POLLNVAL)) != 0;
     const bool ended = (state.revents & (POLLHUP | POLLRDHUP)) != 0;
     // Bytes may have come in between. Behind the end of the stream there are none.
-    if ((!failed && !ended) || HasBytes(descriptor.Get())) return;
-    StopReports();
-    if (failed) {
-        OnReceive();
-    } else {
+    const bool over = (failed || ended) && !HasBytes(descriptor.Get());
+    if (over) StopReports();
+    if (over && !failed) {
         OnClose();
+    } else {
+        OnReceive();
     }
 }
 

@@ -26,7 +26,7 @@ namespace marvolen {
 class DescriptorWatch;
 class HostRequest;
 
-inline constexpr int kWouldBlock = 10035;    // nothing to be had right now; an attempt under way
+inline constexpr int kWouldBlock = 10035;    // nothing to be had right now
 inline constexpr int kTimedOut = 10060;      // the peer didn't answer in time
 inline constexpr int kHostNotFound = 11001;  // the name has no address
 
@@ -41,17 +41,18 @@ public:
     // none left.
     bool Create();
 
-    // Begins to connect to host, a dotted address or a name. Returns false with kWouldBlock as the
-    // last error when the attempt is under way, its outcome coming through OnConnect; with any
-    // other last error it has failed and nothing is reported. What the network says at once (no
-    // route, refused) is reported through OnConnect like what it says later.
+    // Begins to connect to host, a dotted address or a name. True when the attempt is under way,
+    // its outcome coming through OnConnect, never from within this call. False, with the last error
+    // set and nothing reported, when it can't be begun. What the network says at once (no route,
+    // refused) is reported through OnConnect like what it says later.
     bool Connect(std::string_view host, std::uint16_t port);
 
     // Hands bytes to the connection. Returns how many it took, or -1 with the last error set.
     std::ptrdiff_t Send(std::span<const std::uint8_t> bytes);
 
-    // Receives at most buffer.size() bytes. Returns how many; 0 when the peer has ended the stream;
-    // -1 with the last error set, which is kWouldBlock when nothing waits.
+    // Receives at most buffer.size() bytes, urgent ones in their place. Returns how many; 0 when
+    // the peer has ended the stream; -1 with the last error set, which is kWouldBlock when nothing
+    // waits.
     std::ptrdiff_t Receive(std::span<std::uint8_t> buffer);
 
     // Ends the connection, or the attempt at one, at once and silently.

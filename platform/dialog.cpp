@@ -8,6 +8,21 @@
 #include <QMessageBox>
 
 namespace marvolen {
+namespace {
+
+// Doesn't look into dialogs and windows below parent: their controls are theirs.
+QWidget* FindControl(const QWidget& parent, const QString& name) {
+    for (QObject* const child : parent.children()) {
+        auto* const widget = qobject_cast<QWidget*>(child);
+        if (!widget || widget->isWindow()) continue;
+        if (widget->objectName() == name) return widget;
+        if (qobject_cast<CDialog*>(widget)) continue;
+        if (QWidget* const found = FindControl(*widget, name)) return found;
+    }
+    return nullptr;
+}
+
+}  // namespace
 
 int ControlId(const QWidget& control) {
     return control.objectName().toInt();
@@ -16,22 +31,24 @@ int ControlId(const QWidget& control) {
 CDialog::CDialog(QWidget* parent) : QDialog(parent) {}
 
 int CDialog::DoModal() {
-    Initialise();
-    return exec();
+    return Initialise() ? exec() : result();
 }
 
 void CDialog::CreateModeless() {
-    Initialise();
-    show();
+    if (Initialise()) show();
 }
 
-void CDialog::Initialise() {
-    if (initialised) return;
+// False when OnInitDialog has ended the dialog already.
+bool CDialog::Initialise() {
+    if (initialised) return true;
     initialised = true;
+    ended = false;
     OnInitDialog();
+    return !ended;
 }
 
 void CDialog::EndDialog(int result) {
+    ended = true;
     done(result);
 }
 
@@ -45,7 +62,7 @@ void CDialog::AddControl(QWidget* control, int id, const QString& accessibleName
 }
 
 QWidget* CDialog::GetDlgItem(int id) const {
-    return findChild<QWidget*>(QString::number(id));
+    return FindControl(*this, QString::number(id));
 }
 
 QSize CDialog::MapDialogUnits(QSize units) const {

@@ -29,10 +29,12 @@ public:
     explicit CDialog(QWidget* parent = nullptr);
 
     // Runs the dialog until it ends: OnInitDialog, then its own event loop. Returns what EndDialog
-    // was given.
+    // was given; given from OnInitDialog it returns at once, the dialog unseen. A dialog object is
+    // made for one run; a further run goes on with the controls as they are.
     int DoModal();
 
-    // Shows the dialog without a loop of its own (a modeless or child dialog) after OnInitDialog.
+    // Shows the dialog without a loop of its own (a modeless or child dialog) after OnInitDialog,
+    // unless that ended it.
     void CreateModeless();
 
     // Ends a modal run with this result, or hides a modeless dialog.
@@ -43,6 +45,7 @@ public:
     void AddControl(QWidget* control, int id, const QString& accessibleName);
 
     // The control of this id, null when there is none (or, with a type, when it is of another).
+    // The controls of dialogs and windows inside this one are not among its own.
     QWidget* GetDlgItem(int id) const;
     template <typename Control>
     Control* GetDlgItem(int id) const {
@@ -68,7 +71,7 @@ public:
     void reject() override;
 
 protected:
-    // Before the dialog shows for the first time.
+    // Once, before the dialog shows for the first time. May end it.
     virtual void OnInitDialog();
 
     // A command. The base ends the dialog on IDOK and IDCANCEL with that id.
@@ -84,7 +87,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;  // Enter on a focused button is a click
 
 private:
-    void Initialise();
+    bool Initialise();
     void ShowSystemMenu(const QPoint& globalPosition);
 
     struct SystemMenuItem {
@@ -93,6 +96,7 @@ private:
     };
 
     bool initialised = false;
+    bool ended = false;  // by EndDialog, since OnInitDialog began
     std::vector<SystemMenuItem> systemMenu;
 };
 

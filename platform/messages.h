@@ -10,7 +10,8 @@ namespace marvolen {
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 
-inline constexpr std::uint32_t WM_QUIT = 0x12;         // ends a thread's queue
+// WM_QUIT isn't among them: ThreadQueue::Quit (thread_queue.h) stands for it, which a full queue
+// can't refuse.
 inline constexpr std::uint32_t WM_COMMAND = 0x111;     // wParam: id | notification code << 16
 inline constexpr std::uint32_t WM_SYSCOMMAND = 0x112;  // wParam: command, its low four bits unused
 inline constexpr std::uint32_t WM_USER = 0x400;

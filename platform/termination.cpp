@@ -39,7 +39,10 @@ TerminationWatcher::TerminationWatcher(std::function<void()> onTerminate)
     action.sa_handler = OnTerminationSignal;
     action.sa_flags = SA_RESTART;
     for (std::size_t k = 0; k < kSignals.size(); ++k) {
-        sigaction(kSignals[k], &action, &g_formerActions[k]);
+        sigaction(kSignals[k], nullptr, &g_formerActions[k]);
+        // A signal that whoever started the program had it ignore (nohup, a background job of a
+        // shell) stays ignored.
+        if (g_formerActions[k].sa_handler != SIG_IGN) sigaction(kSignals[k], &action, nullptr);
     }
 }
 

@@ -12,7 +12,8 @@ namespace marvolen {
 class TerminationWatcher final : public QObject {
 public:
     // Interface thread. Calls onTerminate from the event loop for each signal received while the
-    // object lives; the destructor gives the signals their former meaning back. One at a time.
+    // object lives; the destructor gives the signals their former meaning back. A signal that is
+    // ignored when the object is made stays ignored. One object at a time.
     explicit TerminationWatcher(std::function<void()> onTerminate);
     ~TerminationWatcher() override;
 

@@ -5,7 +5,10 @@
 #include <QObject>
 #include <QTimerEvent>
 
+#include <algorithm>
+#include <atomic>
 #include <deque>
+#include <limits>
 #include <map>
 #include <mutex>
 
@@ -17,20 +20,23 @@ class CWnd::Receiver final : public QObject {
 public:
     explicit Receiver(CWnd& target) : window(target) {}
 
-    // The announcement is made before the lock is taken, and read after it is taken, so that it is
-    // known to be complete even where the toolkit's own locking isn't seen (ThreadSanitizer).
+    // The announcement is made before `waiting` is counted up, and read after that is, so that it
+    // is known to be complete even where the toolkit's own locking isn't seen (ThreadSanitizer).
     void Post(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
         auto announcement = std::make_unique<QEvent>(QEvent::User);
         {
             const std::lock_guard guard(mutex);
             queue.push_back({message, wParam, lParam});
         }
+        waiting.fetch_add(1, std::memory_order_release);
         QCoreApplication::postEvent(this, announcement.release());
     }
 
     void Set(std::uint32_t id, std::uint32_t milliseconds) {
         Kill(id);
-        timers[id] = startTimer(static_cast<int>(milliseconds), Qt::PreciseTimer);
+        constexpr std::uint32_t kLongest = std::numeric_limits<int>::max();
+        const int period = static_cast<int>(std::min(milliseconds, kLongest));
+        timers[id] = startTimer(period, Qt::PreciseTimer);
     }
 
     void Kill(std::uint32_t id) {
@@ -42,17 +48,16 @@ public:
 
 protected:
     bool event(QEvent* event) override {
+        const bool announced =
+            waiting.load(std::memory_order_acquire) > 0 && event->type() == QEvent::User;
+        if (!announced) return QObject::event(event);
+        waiting.fetch_sub(1, std::memory_order_relaxed);
         Message next;
-        bool announced;
         {
             const std::lock_guard guard(mutex);
-            announced = event->type() == QEvent::User;
-            if (announced) {
-                next = queue.front();
-                queue.pop_front();
-            }
+            next = queue.front();
+            queue.pop_front();
         }
-        if (!announced) return QObject::event(event);
         window.OnMessage(next.message, next.wParam, next.lParam);
         return true;
     }
@@ -75,6 +80,7 @@ private:
     CWnd& window;
     std::map<std::uint32_t, int> timers;  // our id to the toolkit's
 
+    std::atomic<std::size_t> waiting = 0;  // announced and not yet taken
     std::mutex mutex;
     std::deque<Message> queue;  // guarded by mutex
 };

@@ -25,7 +25,7 @@ public:
     void PostMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam);
 
     // Interface thread: calls OnTimer(id) every milliseconds until KillTimer. Setting a running id
-    // starts it anew with the new period.
+    // starts it anew with the new period. Periods beyond 2^31 - 1 ms (24 days) are that long.
     void SetTimer(std::uint32_t id, std::uint32_t milliseconds);
 
     // Interface thread: stops the timer; OnTimer(id) isn't called again. An unknown id is ignored.

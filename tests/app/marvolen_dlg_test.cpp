@@ -1,16 +1,11 @@
 #include "app/marvolen_dlg.h"
 
 #include "app/about_dlg.h"
-#include "net/channel_link.h"
-#include "platform/text_field.h"
 #include "res/resource_ids.h"
-#include "tests/app/camera_pictures.h"
+#include "tests/app/main_window_fixture.h"
 #include "tests/support/process_resources.h"
-#include "tests/support/temporary_folder.h"
-#include "tools/camera_server/camera_server.h"
 
 #include <QApplication>
-#include <QImage>
 #include <QTest>
 #include <QTimer>
 
@@ -22,60 +17,8 @@
 namespace marvolen {
 namespace {
 
-constexpr int kPatience = 20000;  // ms, for what happens at once on an idle machine
-
-// The main window over sixteen cameras of our own.
-class MainWindow : public ::testing::Test {
-protected:
-    MainWindow() : server(Options(), std::make_shared<test::CameraPictures>()) {
-        EXPECT_TRUE(server.Start()) << server.Error();
-        g_channelInfo = FactoryChannelTable();
-        for (int k = 0; k < kChannelCount; ++k) {
-            ChannelInfo& info = g_channelInfo[static_cast<std::size_t>(k)];
-            SetFieldText(info.netName, "Camera " + std::to_string(k + 1));
-            SetFieldText(info.host, "127.0.0.1");
-            SetFieldText(info.port, std::to_string(server.Port(k)));
-        }
-    }
-    ~MainWindow() override { g_channelInfo = FactoryChannelTable(); }
-
-    static CameraServerOptions Options() {
-        CameraServerOptions options;
-        options.keepSent = false;
-        return options;
-    }
-
-    ChannelInfo& Info(int k) { return g_channelInfo[static_cast<std::size_t>(k)]; }
-
-    void Open() {
-        window = std::make_unique<CMarvolenDlg>();
-        window->CreateModeless();
-    }
-
-    bool IsConnected(int k) { return (window->Pane(k).GetStatus() & PANE_CONNECTED) != 0; }
-
-    // Connected, and the pane shows another picture than it did.
-    void ExpectLive(int k) {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return IsConnected(k); }, kPatience)) << "channel " << k;
-        const QImage before = VideoArea(k);
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] {
-                const QImage now = VideoArea(k);
-                return now != before && now.pixelColor(now.rect().center()) != QColor(Qt::black);
-            },
-            kPatience))
-            << "channel " << k;
-    }
-
-    QImage VideoArea(int k) {
-        VideoPane& pane = window->Pane(k);
-        return pane.grab(QRect(2, 23, pane.width() - 4, pane.height() - 25)).toImage();
-    }
-
-    const test::TemporaryFolder folder;
-    CameraServer server;
-    std::unique_ptr<CMarvolenDlg> window;
-};
+using test::kPatience;
+using test::MainWindow;
 
 TEST_F(MainWindow, ShowsSixteenLiveChannels) {
     Open();
@@ -226,15 +169,24 @@ TEST_F(MainWindow, EndsByEscapeAndCloseBoxWhilePicturesStream) {
     }
 }
 
-TEST_F(MainWindow, PanesFillTheWindowAtEverySize) {
+TEST_F(MainWindow, ThePanelStaysAtTheRightAndThePanesFillTheRest) {
+    WithoutHosts();
     Open();
-    for (const QSize size : {QSize(800, 600), QSize(1603, 901), QSize(320, 240)}) {
+    const QRect panel = window->ControlPanel().geometry();
+    for (const QSize size : {QSize(1000, 800), QSize(1603, 901), QSize(640, 480)}) {
         window->resize(size);
         QCoreApplication::processEvents();
-        EXPECT_EQ(window->Pane(0).geometry(), QRect(0, 0, size.width() / 4, size.height() / 4));
-        EXPECT_EQ(window->Pane(15).geometry(), QRect(size.width() / 4 * 3, size.height() / 4 * 3,
-                                                     size.width() / 4, size.height() / 4));
+        const int width = (window->width() - panel.width()) / 4;
+        const int height = window->height() / 4;
+        EXPECT_EQ(window->Pane(0).geometry(), QRect(0, 0, width, height));
+        EXPECT_EQ(window->Pane(15).geometry(), QRect(3 * width, 3 * height, width, height));
+        EXPECT_EQ(window->ControlPanel().geometry(),
+                  QRect(QPoint(window->width() - panel.width(), 0), panel.size()));
     }
+    const QRect before = window->Pane(15).geometry();
+    window->setWindowState(Qt::WindowMinimized);
+    window->resize(900, 800);
+    EXPECT_EQ(window->Pane(15).geometry(), before) << "minimised windows are not laid out";
 }
 
 TEST_F(MainWindow, TheWindowMenuOpensTheAboutBox) {

@@ -9,14 +9,20 @@
 #include <vector>
 
 namespace marvolen {
+
+// The base's own operations need a window. This program does without both.
+bool ChannelLink::Open(ChannelInfo*, FrameReceiver*, CWnd*) {
+    return true;
+}
+void ChannelLink::Close() {}
+void ChannelLink::OnEvent(int) {}
+
 namespace {
 
 class RecordingLink : public ChannelLink {
 public:
     std::vector<int> events;
 
-    bool Open(ChannelInfo*, FrameReceiver*, CWnd*) override { return true; }
-    void Close() override {}
     void OnEvent(int code) override { events.push_back(code); }
 };
 

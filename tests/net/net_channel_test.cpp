@@ -4,6 +4,7 @@
 #include "net/stream_source.h"
 #include "platform/host_resolver.h"
 #include "tests/net/channel_fixture.h"
+#include "tests/support/process_resources.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -185,7 +186,7 @@ TEST_F(NetChannelTest, ManyOpensLeaveNothingBehind) {
     Connect();
     channel.Close();
     const auto descriptors = test::OpenDescriptors();
-    const auto threads = test::RunningThreads();
+    const auto threads = test::Threads();
     for (int i = 0; i < 50; ++i) {
         ASSERT_TRUE(Open());
         if (i % 2 == 0) channel.Close();
@@ -200,7 +201,7 @@ TEST_F(NetChannelTest, ManyOpensLeaveNothingBehind) {
     }
     EXPECT_TRUE(ComesToRest());
     EXPECT_EQ(test::OpenDescriptors(), descriptors - 1) << "the first camera's end is closed";
-    EXPECT_EQ(test::RunningThreads(), threads);
+    EXPECT_EQ(test::Threads(), threads);
 }
 
 class RecordingLink : public ChannelLink {

@@ -47,6 +47,27 @@ TEST(Dialog, ControlsAreFoundByIdAndType) {
     EXPECT_EQ(dialog.field->GetParentWnd(), static_cast<const CWnd*>(&dialog));
 }
 
+TEST(Dialog, ControlsOfDialogsAndWindowsInsideAreNotItsOwn) {
+    ProbeDialog dialog;
+    CDialog panel(&dialog);
+    panel.setWindowFlags(Qt::Widget);
+    QWidget group(&dialog);
+    QLabel ofPanel(&panel), ofGroup(&group);
+    CDialog popUp(&dialog);
+    QLabel ofPopUp(&popUp);
+    panel.AddControl(&ofPanel, 2000, QString());
+    dialog.AddControl(&ofGroup, 2001, QString());
+    popUp.AddControl(&ofPopUp, 2002, QString());
+    dialog.AddControl(&panel, 2003, QString());
+
+    EXPECT_EQ(dialog.GetDlgItem(2000), nullptr);
+    EXPECT_EQ(panel.GetDlgItem(2000), &ofPanel);
+    EXPECT_EQ(dialog.GetDlgItem(2001), &ofGroup);
+    EXPECT_EQ(dialog.GetDlgItem(2002), nullptr);
+    EXPECT_EQ(popUp.GetDlgItem(2002), &ofPopUp);
+    EXPECT_EQ(dialog.GetDlgItem(2003), &panel);
+}
+
 TEST(Dialog, NotificationsCarryIdAndCode) {
     ProbeDialog dialog;
     dialog.CreateModeless();
@@ -77,6 +98,25 @@ TEST(Dialog, EscapeAndCloseBoxEndAModalRun) {
     QTimer::singleShot(0, &dialog, [&] { dialog.close(); });
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     EXPECT_EQ(dialog.initialisations, 1);
+}
+
+TEST(Dialog, EndingFromOnInitDialogShowsNothing) {
+    class Refusing : public CDialog {
+    public:
+        bool shown = false;
+
+    protected:
+        void OnInitDialog() override { EndDialog(77); }
+        void showEvent(QShowEvent*) override { shown = true; }
+    };
+    Refusing modal;
+    QTimer::singleShot(0, &modal, [&] { modal.EndDialog(-1); });  // should it run all the same
+    EXPECT_EQ(modal.DoModal(), 77);
+    EXPECT_FALSE(modal.shown);
+
+    Refusing modeless;
+    modeless.CreateModeless();
+    EXPECT_FALSE(modeless.shown);
 }
 
 }  // namespace

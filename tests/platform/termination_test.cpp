@@ -1,5 +1,7 @@
 #include "platform/termination.h"
 
+#include "tests/support/event_loop.h"
+
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -28,6 +30,20 @@ TEST(Termination, GivesSignalsTheirFormerMeaningBack) {
     struct sigaction after {};
     sigaction(SIGHUP, nullptr, &after);
     EXPECT_EQ(before.sa_handler, after.sa_handler);
+}
+
+TEST(Termination, IgnoredSignalsStayIgnored) {
+    const auto former = signal(SIGHUP, SIG_IGN);
+    int calls = 0;
+    {
+        const TerminationWatcher watcher([&] { ++calls; });
+        raise(SIGHUP);
+        EXPECT_TRUE(test::ComesToRest());
+        EXPECT_EQ(calls, 0);
+        raise(SIGTERM);
+        EXPECT_TRUE(test::WaitUntil([&] { return calls == 1; })) << "the others are watched";
+    }
+    EXPECT_EQ(signal(SIGHUP, former), SIG_IGN);
 }
 
 }  // namespace

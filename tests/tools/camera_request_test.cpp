@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace marvolen {
 namespace {
@@ -79,6 +80,19 @@ TEST(CameraRequestTest, CredentialsAreReadFromTheBasicHeaderOnly) {
                                "Authorization:", "X-Other: Basic Og=="}) {
         EXPECT_FALSE(withHeader(header).hasCredentials) << header;
     }
+}
+
+TEST(CameraRequestTest, HeadersAreLoggedWithoutTheirSecret) {
+    const std::string head =
+        "GET /getimage HTTP/1.0\r\nUser-Agent: x y\r\nAUTHORIZATION : Basic c2VjcmV0\r\n"
+        "\tc2VjcmV0\r\nProxy-Authorization:c2VjcmV0\r\n folded\r\nHost: h\r\n z\r\nA: "
+        "b\nauthorization: c2VjcmV0\r\n\r\n";
+    EXPECT_EQ(LoggableHeaders(head, "refused"),
+              (std::vector<std::string>{"User-Agent: x y", "Authorization: (refused)",
+                                        "Proxy-Authorization: (refused)", "Host: h", " z",
+                                        "A: b\nAuthorization: (refused)"}));
+    EXPECT_TRUE(LoggableHeaders("GET / HTTP/1.0\r\n\r\n", "accepted").empty());
+    EXPECT_TRUE(LoggableHeaders("", "accepted").empty());
 }
 
 TEST(CameraRequestTest, TheHeadEndsAtItsEmptyLine) {

@@ -1,5 +1,6 @@
 #include "tools/camera_server/camera_server.h"
 
+#include "tests/support/process_resources.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/tools/camera_client.h"
 #include "tools/camera_server/pattern_pictures.h"
@@ -87,8 +88,19 @@ TEST_F(CameraServerTest, RequestsAreKeptAsReceivedAndLoggedWithoutTheirPassword)
     EXPECT_NE(log.find("\"GET /getimage?camera=2&fmt=full&delay=7 HTTP/1.0\" credentials accepted"),
               std::string::npos)
         << log;
+    EXPECT_NE(log.find("  User-Agent: "), std::string::npos) << log;
+    EXPECT_NE(log.find("  Authorization: (accepted)\n"), std::string::npos) << log;
     EXPECT_EQ(log.find(test::kGoodCredentials), std::string::npos);
     EXPECT_EQ(log.find("tuvk"), std::string::npos);
+}
+
+TEST_F(CameraServerTest, NothingIsKeptThatNobodyWants) {
+    Serve({.keepSent = false});
+    const auto client = Watch(0);
+    ASSERT_TRUE(server->WaitForSent(0, 2));
+    EXPECT_TRUE(server->Requests(0).empty());
+    EXPECT_TRUE(server->SentPictures(0).empty());
+    EXPECT_EQ(server->Stats(0).requests, 1U);
 }
 
 TEST_F(CameraServerTest, WrongCredentialsAndRequestsGetTheirStatusAndNoPicture) {
@@ -315,7 +327,7 @@ TEST_F(CameraServerTest, ImpossibleOptionsFailWithAReason) {
 
 TEST_F(CameraServerTest, NothingIsLeftBehind) {
     const auto descriptors = test::OpenDescriptors();
-    const auto threads = test::RunningThreads();
+    const auto threads = test::Threads();
     for (int round = 0; round < 3; ++round) {
         Serve({.channelCount = 15});
         const auto client = Watch(round);
@@ -326,7 +338,7 @@ TEST_F(CameraServerTest, NothingIsLeftBehind) {
         server.reset();
     }
     EXPECT_EQ(test::OpenDescriptors(), descriptors);
-    EXPECT_EQ(test::RunningThreads(), threads);
+    EXPECT_EQ(test::Threads(), threads);
 }
 
 }  // namespace

@@ -115,7 +115,7 @@ std::vector<std::string> LoggableHeaders(std::string_view head, std::string_view
         if (line.empty()) continue;
         // A line that begins with a blank continues the one before it (RFC 9112, 5.2).
         if (hidden && (line.front() == ' ' || line.front() == '\t')) continue;
-        const auto* const secret =
+        const auto secret =
             std::search(line.begin(), line.end(), kSecret.begin(), kSecret.end(), SameLetter);
         hidden = secret != line.end();
         std::string& shown = lines.emplace_back(line.begin(), secret);

@@ -169,8 +169,8 @@ constexpr const char* kHelp = R"(Usage: camera_server [OPTION]...
 Network cameras for the desk. Every channel listens on a port of its own and
 answers  GET /getimage?camera=1&fmt=full&delay=0  with an endless multipart
 stream of JPEG pictures, as fast as 30 a second. Prints "ready" when all ports
-are open, then one line for each connection and request. Ends on SIGTERM,
-SIGINT or the command "quit".
+are open, then one line for each connection, request and header line of it.
+Ends on SIGTERM, SIGINT or the command "quit".
 
 Serving
   --address A        dotted IPv4 address to listen on (127.0.0.1)
