@@ -13,12 +13,19 @@ int CStatic::GetDlgCtrlID() const {
 }
 
 CWnd* CStatic::GetParentWnd() const {
-    return dynamic_cast<CWnd*>(parentWidget());
+    return FindDialog();
+}
+
+// Group boxes may stand between a control and its dialog.
+CDialog* CStatic::FindDialog() const {
+    for (QWidget* ancestor = parentWidget(); ancestor; ancestor = ancestor->parentWidget()) {
+        if (auto* dialog = qobject_cast<CDialog*>(ancestor)) return dialog;
+    }
+    return nullptr;
 }
 
 void CStatic::NotifyParent(std::uint32_t code) {
-    auto* dialog = qobject_cast<CDialog*>(parentWidget());
-    if (dialog) dialog->SendCommand(*this, code);
+    if (CDialog* dialog = FindDialog()) dialog->SendCommand(*this, code);
 }
 
 void CStatic::mousePressEvent(QMouseEvent* event) {

@@ -8,6 +8,8 @@
 
 namespace marvolen {
 
+class CDialog;
+
 // A static control: shows something and tells its dialog about clicks.
 class CStatic : public QWidget, public CWnd {
     Q_OBJECT
@@ -19,7 +21,7 @@ public:
     // The control's id, 0 before it has one.
     int GetDlgCtrlID() const;
 
-    // The window that contains this control, or null.
+    // The dialog that contains this control, or null.
     CWnd* GetParentWnd() const;
 
 protected:
@@ -28,6 +30,9 @@ protected:
 
     void mousePressEvent(QMouseEvent* event) override;        // left button: STN_CLICKED
     void mouseDoubleClickEvent(QMouseEvent* event) override;  // left button: STN_DBLCLK
+
+private:
+    CDialog* FindDialog() const;
 };
 
 }  // namespace marvolen
