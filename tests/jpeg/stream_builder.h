@@ -45,10 +45,10 @@ public:
     }
 
     // A table of 64 equal entries.
-    static Bytes QuantTable(int number, int entry, bool wide = false) {
-        Bytes table = {Byte(number | (wide ? 0x10 : 0))};
+    static Bytes QuantTable(int number, int entry, int entryBits = 8) {
+        Bytes table = {Byte(number | (entryBits == 16 ? 0x10 : 0))};
         for (int k = 0; k < 64; ++k) {
-            if (wide) table.push_back(Byte(entry >> 8));
+            if (entryBits == 16) table.push_back(Byte(entry >> 8));
             table.push_back(Byte(entry));
         }
         return table;
