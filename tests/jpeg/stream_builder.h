@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace marvolen::test {
@@ -60,8 +61,8 @@ public:
     // A table with counts codes of each length, padded to 16 lengths.
     static Bytes HuffmanTable(int classAndNumber, Bytes counts, const Bytes& symbols) {
         counts.resize(16);
-        Bytes table = {Byte(classAndNumber)};
-        table.insert(table.end(), counts.begin(), counts.end());
+        Bytes table = std::move(counts);
+        table.insert(table.begin(), Byte(classAndNumber));
         table.insert(table.end(), symbols.begin(), symbols.end());
         return table;
     }
