@@ -6,11 +6,13 @@
 #include "tests/jpeg/test_picture.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <map>
 #include <string>
 #include <turbojpeg.h>
+#include <utility>
 #include <vector>
 
 namespace {

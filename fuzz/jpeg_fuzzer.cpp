@@ -1,6 +1,8 @@
-// Decodes whatever it is given, on both paths and with sources that hand out their bytes in
-// portions of different sizes: all of them must see the same picture and the same error.
+// Decodes whatever it is given, on each path from sources that hand out their bytes in portions of
+// different sizes, and into a DibImage: on one path all must see the same picture and the same
+// error.
 
+#include "jpeg/dib_image.h"
 #include "jpeg/jpeg_decoder.h"
 #include "jpeg/jpeg_source.h"
 
@@ -8,8 +10,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace {
+
+using marvolen::JpegPath;
 
 // Larger pictures only make the fuzzer slow: what they run through, small ones do too.
 constexpr int kMaxPixels = 256 * 256;
@@ -34,24 +39,34 @@ private:
 };
 
 struct Outcome {
+    bool isLarge = false;  // and so wasn't decoded
     int error = 0;
-    int rows = 0;
-    std::uint64_t hash = 14695981039346656037U;
+    bool started = false;
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> bgr;  // of the rows that came, top row first
 
     bool operator==(const Outcome&) const = default;
 };
 
-Outcome Decode(const std::uint8_t* data, std::size_t size, bool fast, std::ptrdiff_t portion) {
+Outcome Decode(const std::uint8_t* data, std::size_t size, JpegPath path, std::ptrdiff_t portion) {
     Outcome outcome;
     PortionSource source(data, size, portion);
-    marvolen::JpegDecoder decoder(&source, fast);
-    if (decoder.GetWidth() * decoder.GetHeight() <= kMaxPixels && decoder.StartDecompress() == 0) {
-        const std::uint8_t* row = nullptr;
-        int rowBytes = 0;
-        while (decoder.ReadScanline(&row, &rowBytes) == 0) {
-            ++outcome.rows;
-            for (int i = 0; i < rowBytes; ++i) {
-                outcome.hash = (outcome.hash ^ row[i]) * 1099511628211U;
+    marvolen::JpegDecoder decoder(&source, path);
+    outcome.width = decoder.GetWidth();
+    outcome.height = decoder.GetHeight();
+    outcome.isLarge = outcome.width * outcome.height > kMaxPixels;
+    outcome.started = !outcome.isLarge && decoder.StartDecompress() == 0;
+    const std::uint8_t* row = nullptr;
+    int rowBytes = 0;
+    while (outcome.started && decoder.ReadScanline(&row, &rowBytes) == 0) {
+        if (rowBytes != outcome.width * decoder.GetBytesPerPixel()) std::abort();
+        for (const std::uint8_t* end = row + rowBytes; row < end;) {
+            if (decoder.GetBytesPerPixel() == 1) {
+                outcome.bgr.insert(outcome.bgr.end(), 3, *row++);
+            } else {
+                outcome.bgr.insert(outcome.bgr.end(), {row[2], row[1], row[0]});
+                row += 4;
             }
         }
     }
@@ -59,14 +74,35 @@ Outcome Decode(const std::uint8_t* data, std::size_t size, bool fast, std::ptrdi
     return outcome;
 }
 
+// The bitmap must hold the rows that came, and be black below.
+void CompareWithBitmap(const std::uint8_t* data, std::size_t size, JpegPath path,
+                       const Outcome& expected) {
+    marvolen::DibImage image;
+    const bool shown = image.DecodeJpeg(data, size, path) == 1;
+    if (shown != expected.started || image.LastError() != expected.error) std::abort();
+    if (!shown) return;
+    if (image.Width() != expected.width || image.Height() != expected.height) std::abort();
+    const std::size_t rowBytes = 3 * static_cast<std::size_t>(expected.width);
+    auto from = expected.bgr.begin();
+    for (int y = image.Height() - 1; y >= 0; --y) {
+        const std::uint8_t* line = image.GetPixels() + static_cast<std::size_t>(y) * image.Stride();
+        const bool came = from != expected.bgr.end();
+        const bool same = came ? std::equal(line, line + rowBytes, from)
+                               : std::all_of(line, line + rowBytes, [](int b) { return b == 0; });
+        if (!same) std::abort();
+        if (came) from += static_cast<std::ptrdiff_t>(rowBytes);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    for (const bool fast : {true, false}) {
-        const Outcome whole = Decode(data, size, fast, PTRDIFF_MAX);
+    for (const JpegPath path : {JpegPath::Fast, JpegPath::Plain}) {
+        const Outcome whole = Decode(data, size, path, PTRDIFF_MAX);
         for (const std::ptrdiff_t portion : {1, 13, 4095}) {
-            if (!(Decode(data, size, fast, portion) == whole)) std::abort();
+            if (!(Decode(data, size, path, portion) == whole)) std::abort();
         }
+        if (!whole.isLarge) CompareWithBitmap(data, size, path, whole);
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 #include "jpeg/jpeg_error.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace marvolen {
 

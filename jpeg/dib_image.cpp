@@ -20,6 +20,7 @@ void DibImage::InitHeader() {
 void DibImage::Reset() {
     header = {};
     pixels.reset();
+    lastError = 0;
 }
 
 bool DibImage::Resize(int width, int height) {
@@ -37,7 +38,7 @@ bool DibImage::Resize(int width, int height) {
 
 int DibImage::DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path) {
     MemoryJpegSource source(bytes, count);
-    JpegDecoder decoder(&source, path == JpegPath::Fast);
+    JpegDecoder decoder(&source, path);
     if (decoder.GetError() != 0 || decoder.StartDecompress() != 0) {
         lastError = decoder.GetError();
         return 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jpeg/bitmap_info_header.h"
+#include "jpeg/jpeg_path.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,12 +10,6 @@
 #include <utility>
 
 namespace marvolen {
-
-// Which arithmetic decodes a picture. Both give the same picture but for rounding.
-enum class JpegPath {
-    Fast,   // 16-bit inverse DCT with the dequantisation folded in; what every pane uses
-    Plain,  // 32-bit inverse DCT, slower and a little more exact
-};
 
 // The picture holder of a pane: a 24-bit bottom-up device-independent bitmap and the operation
 // that fills it from a JPEG frame.
@@ -45,7 +40,7 @@ public:
     // Sets the fields that never change: biSize 40, biPlanes 1, biCompression BI_RGB.
     void InitHeader();
 
-    // Back to an empty picture: header all zero, pixels freed.
+    // Back to an empty picture: header all zero, pixels freed, no error.
     void Reset();
 
     // The header. biWidth and biHeight are 0 as long as no picture was decoded.
@@ -74,7 +69,8 @@ public:
     // A picture of the size already held reuses the pixel buffer; any other size replaces it with
     // a black one. A frame whose data goes bad part way still returns 1: the rows above that place
     // are new, the others keep what they held, and LastError says what happened. When 0 is
-    // returned the pixels are those of before, unless the buffer had been replaced already.
+    // returned the picture is that of before; only where there is no memory for one of another
+    // size (-233), it is empty: width, height and biSizeImage 0, no pixels.
     int DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path = JpegPath::Fast);
 
     // What the last DecodeJpeg ran into: 0, or one of the codes of "jpeg/jpeg_error.h".

@@ -5,6 +5,7 @@
 #include "jpeg/jpeg_input.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace marvolen {

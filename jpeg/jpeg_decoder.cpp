@@ -2,11 +2,11 @@
 
 namespace marvolen {
 
-JpegDecoder::JpegDecoder(JpegSource* newSource, bool newFast)
-    : fast(newFast),
+JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath)
+    : path(newPath),
       kernels(ActiveJpegKernels()),
       source(newSource),
-      markers(plainReader, tables, allocations, fast),
+      markers(plainReader, tables, allocations, path),
       sequential(input, plainReader, tables),
       progressive(input, plainReader, tables) {
     source->Begin();
@@ -74,17 +74,19 @@ void JpegDecoder::Start() {
         SetUpScanGeometry(frame, scan);
         SetUpScanHuffman(scan, tables, allocations);
         RequireQuantTables(frame, scan, tables);
-        sequential.BeginScan(fast, markers.RestartInterval());
+        sequential.BeginScan(path, markers.RestartInterval());
     }
     started = true;
 }
 
-// The rows of a sequential picture are built from its first scan alone.
+// The rows of a sequential picture are built from its first scan alone, whose blocks stand in the
+// order of ColourMode.
 void JpegDecoder::RequireCompleteScan() const {
-    if (scan.componentCount != frame.componentCount) Fail(kJpegErrorComponents);
-    for (int i = 0; i < scan.componentCount; ++i) {
-        if (scan.components[static_cast<std::size_t>(i)] != i) Fail(kJpegErrorScanComponent);
+    bool complete = scan.componentCount == frame.componentCount;
+    for (int i = 0; complete && i < scan.componentCount; ++i) {
+        complete = scan.components[static_cast<std::size_t>(i)] == i;
     }
+    if (!complete) Fail(kJpegErrorComponents);
 }
 
 void JpegDecoder::ReadProgressiveScans() {
@@ -122,13 +124,15 @@ int JpegDecoder::ReadScanline(const std::uint8_t** row, int* rowBytes) {
 
 void JpegDecoder::DecodeMcuRow() {
     if (frame.progressive) {
-        progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded, !fast, mcuRow);
+        progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded, path, mcuRow);
     } else {
         sequential.DecodeMcuRow(frame, scan, mcuRow);
     }
     ++mcuRowsDecoded;
     if (!frame.progressive && mcuRowsDecoded == frame.mcuRows) {
-        // What follows the scan must be in order too; its code doesn't matter.
+        // What follows the scan must be in order too; its code doesn't matter. A quantisation table
+        // on the way there is in time for this last row on the fast path, which dequantises in the
+        // inverse DCT, and too late on the plain one, which has dequantised already.
         plainReader.PrimeForMarkers();
         markers.NextMarker();
     }
@@ -144,7 +148,7 @@ void JpegDecoder::TransformMcuRow() {
             for (int y = 0; y < component.vertical; ++y) {
                 std::uint8_t* line = plane.Line(8 * y) + 8 * component.horizontal * mcu;
                 for (int x = 0; x < component.horizontal; ++x, block += kBlockSize) {
-                    if (fast) {
+                    if (path == JpegPath::Fast) {
                         kernels.fastIdct(block, tables.QuantTable(component.quantTable),
                                          line + 8 * x, plane.stride);
                     } else {

@@ -5,6 +5,7 @@
 #include "jpeg/jpeg_frame.h"
 #include "jpeg/jpeg_input.h"
 #include "jpeg/jpeg_kernels.h"
+#include "jpeg/jpeg_path.h"
 #include "jpeg/jpeg_source.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/marker_reader.h"
@@ -28,13 +29,14 @@ namespace marvolen {
 //
 // One thread uses a decoder and its source; decoders share nothing but constants. Running out of
 // data is no error: the stream goes on with end-of-image markers, so that a truncated picture is
-// still a picture. The object takes about 12 KB, on the stack where it is used.
+// still a picture. A progressive picture whose scans go far beyond what any encoder makes is
+// refused with -227 (see ProgressiveDecoder), so that no stream can keep the thread. The object
+// takes about 12 KB, on the stack where it is used.
 class JpegDecoder {
 public:
-    // Takes source (borrowed; it must outlive the decoder) and reads up to and including the
-    // frame header. fast chooses the fast path, which every pane uses; see JpegPath. Failure
-    // shows in GetError.
-    JpegDecoder(JpegSource* newSource, bool fast);
+    // Takes the source (borrowed; it must outlive the decoder) and reads up to and including the
+    // frame header. Failure shows in GetError.
+    JpegDecoder(JpegSource* newSource, JpegPath newPath);
 
     // Calls End on the source if it is still held.
     ~JpegDecoder();
@@ -46,7 +48,7 @@ public:
     int GetError() const { return error; }
 
     // Reads on to the first row: of a progressive picture all scans, of a sequential one the scan
-    // header. Returns 0, also when already started, or -1 when an error is or was stored.
+    // header. Returns 0 once started, whatever came after, or -1 when an error is or was stored.
     int StartDecompress();
 
     // From the frame header: pixels, pixels, components.
@@ -76,7 +78,7 @@ private:
     void TransformMcuRow();
 
     // Constant after construction.
-    const bool fast;
+    const JpegPath path;
     const JpegKernels& kernels;
 
     JpegSource* source;  // null once released

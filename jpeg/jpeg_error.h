@@ -5,7 +5,7 @@ namespace marvolen {
 // What JpegDecoder::GetError can say. 0 is no error.
 //
 // -214, -220 and -224 are not used. -229 and -221 guard limits that the accepted picture sizes
-// keep out of reach.
+// keep out of reach. docs/jpeg_decoder.md tells more of each.
 enum JpegError : int {
     kJpegErrorHuffmanCodes = -200,       // more than 255 codes, or more than their length holds
     kJpegErrorHuffmanSlot = -201,        // table class and number give a slot of 8 or more
@@ -29,9 +29,9 @@ enum JpegError : int {
     kJpegErrorAllocations = -221,        // allocation table full
     kJpegErrorQuantMissing = -222,       // a component's quantisation table is not defined
     kJpegErrorHuffmanMissing = -223,     // a Huffman table that a scan needs is not defined
-    kJpegErrorComponents = -225,         // component count not supported
+    kJpegErrorComponents = -225,         // component count, or a sequential scan, not supported
     kJpegErrorSampling = -226,           // sampling factors not supported
-    kJpegErrorCorrupt = -227,            // corrupt entropy data
+    kJpegErrorCorrupt = -227,            // corrupt entropy data, or far too much of it
     kJpegErrorRestart = -228,            // restart marker not found, or not the expected one
     kJpegErrorBlocks = -229,             // too many blocks, or a block outside its component
     kJpegErrorSpectralSelection = -230,  // progressive scan with invalid spectral selection

@@ -19,6 +19,8 @@ void JpegInput::Fill() {
         if (count < 0 || count > wanted) Fail(kJpegErrorRead);
         gathered += count;
     }
+    // Nothing reads this tail, for every read is held against bytesAvailable. It is a guard: what
+    // would look beyond the data finds the end of the image there, not what an earlier fill left.
     for (int i = 0; i < kEdgeBytes; i += 2) {
         BufferStart()[gathered + i] = 0xFF;
         BufferStart()[gathered + i + 1] = 0xD9;
@@ -43,11 +45,15 @@ void JpegInput::Unread(int count) {
 
 std::uint8_t JpegInput::ReadEntropy() {
     const std::uint8_t byte = ReadRaw();
-    if (byte != 0xFF || inventedBytes != 0) return byte;
-    // Anything but a stuffed zero makes it a marker, which stays unread. So does a real FF at the
+    const bool invented = inventedBytes != 0;
+    if (byte != 0xFF && !invented) [[likely]]
+        return byte;
+    // Anything but a stuffed zero makes a real FF a marker, which stays unread. So does one at the
     // very end of the data: an invented byte is never 0.
-    if (ReadRaw() != 0) Unread(2);
-    return 0xFF;
+    const bool isMarker = !invented && ReadRaw() != 0;
+    if (isMarker) Unread(2);
+    if (invented || isMarker) ++fillerBytes;
+    return byte;
 }
 
 std::uint64_t JpegInput::ReadEntropy48Slow() {

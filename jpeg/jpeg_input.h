@@ -58,6 +58,9 @@ public:
         return ReadEntropy48Slow();
     }
 
+    // How many bytes ReadEntropy has returned in place of a marker or behind the end of the data.
+    std::uint64_t FillerBytes() const { return fillerBytes; }
+
     // Puts the last count bytes that were read (at most kMaxUnread, real or invented) back in
     // front of the read position.
     void Unread(int count);
@@ -89,6 +92,7 @@ private:
     bool endOfInput = false;
     // Bytes invented so far; its lowest bit alternates between FF (0) and D9 (1).
     std::uint64_t inventedBytes = 0;
+    std::uint64_t fillerBytes = 0;
 };
 
 }  // namespace marvolen

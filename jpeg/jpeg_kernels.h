@@ -13,6 +13,10 @@ namespace marvolen {
 // The inner loops of the decoder, one set for each kind of processor. All sets give the same bytes
 // for the same input, whatever it is; "portable" is the reference. Kernels keep no state and run
 // on any thread.
+//
+// No pointer promises any alignment. A kernel reads and writes exactly the bytes that its counts
+// name, none in front of or behind them, not even to write back what was there. What it writes
+// overlaps nothing that it reads, nor does one of its outputs another. Strides are 8 or more.
 struct JpegKernels {
     // Dequantises 64 quantised coefficients with a fast-path table and transforms them into 8
     // lines of 8 samples that start stride bytes apart. Coefficients and table are in natural
@@ -38,7 +42,7 @@ struct JpegKernels {
     PackRow packColour;                                 // from four bytes a pixel
 };
 
-// Every set that this processor can run, the portable one first.
+// Every set that this processor can run: the portable one first, the best one last.
 std::span<const JpegKernels* const> AvailableJpegKernels();
 
 // The set that new decoders use: the best one, unless another was forced.

@@ -9,9 +9,9 @@ public:
     virtual ~JpegSource() = default;
 
     // Copies up to maxCount bytes to destination and returns how many, or -1 on a read failure
-    // (the decoder then fails with -232). Sets *endOfData to true once the data is exhausted,
-    // together with the last bytes or later, and never sets it back. 0 bytes without the end are
-    // allowed; the decoder asks again at once.
+    // (the decoder then fails with -232, as it does if more than maxCount is returned). Sets
+    // *endOfData to true once the data is exhausted, together with the last bytes or later, and
+    // never sets it back. 0 bytes without the end are allowed; the decoder asks again at once.
     virtual int Read(void* destination, int maxCount, bool* endOfData) = 0;
 
     // Called once, when a decoder takes the source, before the first Read.

@@ -39,10 +39,11 @@ void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables, AllocationTable&
     }
     for (int slot = 0; slot < kHuffmanSlots; ++slot) {
         HuffmanSlot& table = tables.huffman[static_cast<std::size_t>(slot)];
-        if (table.counts == nullptr) continue;
+        if (!table.changed) continue;
         if (table.derived == nullptr) table.derived = allocations.AllocateArray<HuffmanTable>(1);
         const auto use = slot < kFirstAcSlot ? HuffmanTable::Use::Dc : HuffmanTable::Use::Ac;
         table.derived->Build(table.counts, table.symbols, use);
+        table.changed = false;
     }
 }
 

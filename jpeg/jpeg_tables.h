@@ -4,6 +4,7 @@
 #include "jpeg/jpeg_frame.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace marvolen {
@@ -20,6 +21,7 @@ struct HuffmanSlot {
     std::uint8_t* counts = nullptr;   // 17 bytes, entry 1..16: codes of that length
     std::uint8_t* symbols = nullptr;  // 256 bytes, symbols in code order
     HuffmanTable* derived = nullptr;  // built by SetUpScanHuffman
+    bool changed = false;             // received since derived was built
 };
 
 inline constexpr int kHuffmanSlots = 8;
@@ -44,8 +46,8 @@ struct JpegTables {
 
 class AllocationTable;
 
-// Checks that the Huffman tables which scan needs are there, and (re)builds the decoding table
-// of every slot that holds one. Throws JpegFailure -223 for a missing table.
+// Checks that the Huffman tables which scan needs are there, and builds the decoding table of
+// every slot that was received since the last scan. Throws JpegFailure -223 for a missing table.
 void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables, AllocationTable& allocations);
 
 // Throws JpegFailure -222 unless every component of the scan has its quantisation table.

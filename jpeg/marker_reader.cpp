@@ -99,6 +99,7 @@ void MarkerReader::ReadHuffmanTables() {
         }
         std::copy(counts.begin(), counts.end(), slot.counts);
         std::copy(symbols.begin(), symbols.end(), slot.symbols);
+        slot.changed = true;
     }
 }
 
@@ -113,7 +114,7 @@ void MarkerReader::ReadQuantTables() {
         if (table == nullptr) table = allocations.AllocateArray<std::int16_t>(kBlockSize);
         for (std::size_t k = 0; k < kBlockSize; ++k) {
             const int entry = wide ? Read16() : Read8();
-            if (fast) {
+            if (path == JpegPath::Fast) {
                 const std::size_t position = kNaturalOrder[k];
                 table[position] =
                     static_cast<std::int16_t>((kAanScale[position] * entry + 2048) >> 12);

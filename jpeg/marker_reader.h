@@ -2,6 +2,7 @@
 
 #include "jpeg/allocation_table.h"
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/jpeg_path.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/plain_bit_reader.h"
 
@@ -34,10 +35,10 @@ enum JpegMarker : std::uint8_t {
 // throws JpegFailure at the first thing that is wrong.
 class MarkerReader {
 public:
-    // The arguments are borrowed. fast chooses the form of the quantisation tables.
+    // The arguments are borrowed. The path chooses the form of the quantisation tables.
     MarkerReader(PlainBitReader& newReader, JpegTables& newTables, AllocationTable& newAllocations,
-                 bool newFast)
-        : reader(newReader), tables(newTables), allocations(newAllocations), fast(newFast) {}
+                 JpegPath newPath)
+        : reader(newReader), tables(newTables), allocations(newAllocations), path(newPath) {}
 
     // Consumes everything up to and including the start-of-image marker, which must begin within
     // the first 512 bytes: else -217.
@@ -69,7 +70,7 @@ private:
     PlainBitReader& reader;
     JpegTables& tables;
     AllocationTable& allocations;
-    const bool fast;
+    const JpegPath path;
     int restartInterval = 0;
 };
 

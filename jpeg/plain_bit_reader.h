@@ -29,8 +29,9 @@ public:
         bitsAvailable = 16;
     }
 
-    // Puts the whole bytes that are held, real or invented, back into the input. Prime next.
-    void GiveBack() { input->Unread(bitsAvailable == 16 ? 4 : bitsAvailable >= 8 ? 3 : 2); }
+    // Puts the bytes that are held, real or invented, back into the input. Prime next. Segments end
+    // with a whole byte, and with 16 or 8 bits available: fewer are never left behind one.
+    void GiveBack() { input->Unread(bitsAvailable == 16 ? 4 : 3); }
 
     // The next count (1..16) bits of a marker segment.
     std::uint32_t ReadRawBits(int count) {

@@ -10,6 +10,10 @@
 namespace marvolen {
 namespace {
 
+// Filler that a sound scan may read behind its data, and behind each restart interval: the bit
+// reader looks this many bytes ahead.
+constexpr std::uint64_t kLookAheadBytes = 4;
+
 constexpr int kLongRun = 15;  // the run of a symbol without value that isn't an end of band
 
 std::int16_t ShiftLeft(std::int32_t value, int bits) {
@@ -65,15 +69,32 @@ void ProgressiveDecoder::DecodeScan(const JpegFrame& frame, const JpegScan& scan
                                     int restartInterval) {
     state.BeginScan(restartInterval);
     reader.GiveBack();
+    const std::uint64_t fillerBefore = input.FillerBytes();
     reader.PrimeForScan();
     const Procedure procedure = ChooseProcedure(scan);
+
+    const auto mcus =
+        static_cast<std::uint64_t>(scan.mcuRows) * static_cast<std::uint64_t>(scan.mcusPerRow);
+    blocksVisited += mcus * static_cast<std::uint64_t>(scan.blocksPerMcu);
+    if (blocksVisited > kMaxBlocks) Fail(kJpegErrorCorrupt);
+    const std::uint64_t restarts =
+        restartInterval == 0 ? 0 : (mcus - 1) / static_cast<std::uint64_t>(restartInterval);
+    DecodeMcus(frame, scan, procedure);
+    const std::uint64_t filler = input.FillerBytes() - fillerBefore;
+    if (filler > kLookAheadBytes * (1 + restarts) && ++dryScans > kMaxDryScans) {
+        Fail(kJpegErrorCorrupt);
+    }
+    reader.PrimeForMarkers();
+}
+
+void ProgressiveDecoder::DecodeMcus(const JpegFrame& frame, const JpegScan& scan,
+                                    Procedure procedure) {
     for (int mcuRow = 0; mcuRow < scan.mcuRows; ++mcuRow) {
         for (int mcuColumn = 0; mcuColumn < scan.mcusPerRow; ++mcuColumn) {
             state.BeginMcu(input, reader);
             DecodeMcu(frame, scan, procedure, mcuRow, mcuColumn);
         }
     }
-    reader.PrimeForMarkers();
 }
 
 void ProgressiveDecoder::DecodeMcu(const JpegFrame& frame, const JpegScan& scan,
@@ -199,13 +220,13 @@ int ProgressiveDecoder::RefineNonZero(std::int16_t* block, int k, int end, int z
 }
 
 void ProgressiveDecoder::AssembleMcuRow(const JpegFrame& frame, const JpegScan& scan, int mcuRow,
-                                        bool dequantise, McuRow& row) const {
+                                        JpegPath path, McuRow& row) const {
     std::int16_t* out = row.coefficients;
     const auto assemble = [&](std::size_t component, int blockRow, int blockColumn) {
         const std::int16_t* ac = arrays[component].ac.Block(blockRow, blockColumn);
         std::copy_n(ac, kBlockSize, out);
         out[0] = *arrays[component].dc.Block(blockRow, blockColumn);
-        if (dequantise) {
+        if (path == JpegPath::Plain) {
             const std::int16_t* table = tables.QuantTable(frame.components[component].quantTable);
             for (int k = 0; k < kBlockSize; ++k) {
                 out[Natural(k)] = static_cast<std::int16_t>(out[Natural(k)] * table[k]);

@@ -2,11 +2,13 @@
 
 #include "jpeg/entropy_state.h"
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/jpeg_path.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/mcu_row.h"
 #include "jpeg/plain_bit_reader.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace marvolen {
@@ -15,8 +17,17 @@ class AllocationTable;
 
 // Entropy decoding of progressive pictures (ITU-T T.81, G.1.2): every scan goes into coefficient
 // arrays of the whole picture, from which MCU rows are then assembled.
+//
+// A scan of a few bytes visits every block of the picture, so it is scans that would make a hostile
+// frame costly. Two limits bound what they may cost together.
 class ProgressiveDecoder {
 public:
+    // Blocks that the scans of a picture may visit: 64 times those of the largest gray one.
+    static constexpr std::uint64_t kMaxBlocks = 1U << 26;
+    // Scans that may be dry, that is, run on behind their data: an encoder makes none, a picture
+    // that was cut off has one.
+    static constexpr int kMaxDryScans = 16;
+
     // All arguments are borrowed.
     ProgressiveDecoder(JpegInput& newInput, PlainBitReader& newReader, const JpegTables& newTables)
         : input(newInput), reader(newReader), tables(newTables) {}
@@ -26,12 +37,12 @@ public:
 
     // Decodes one scan, from right behind its header to its end, and primes the reader for the
     // next marker. Throws JpegFailure: -230, -231 for the scan's parameters, -227, -228 for its
-    // data.
+    // data, -227 beyond kMaxBlocks and kMaxDryScans.
     void DecodeScan(const JpegFrame& frame, const JpegScan& scan, int restartInterval);
 
     // Assembles the blocks of MCU row mcuRow (0 is the top one) of all frame components. scan
-    // is the geometry of those components. dequantise multiplies by the tables in zigzag order.
-    void AssembleMcuRow(const JpegFrame& frame, const JpegScan& scan, int mcuRow, bool dequantise,
+    // is the geometry of those components. The plain path multiplies by the quantisation tables.
+    void AssembleMcuRow(const JpegFrame& frame, const JpegScan& scan, int mcuRow, JpegPath path,
                         McuRow& row) const;
 
 private:
@@ -53,6 +64,7 @@ private:
                                                    int blockRow, int blockColumn);
 
     static Procedure ChooseProcedure(const JpegScan& scan);
+    void DecodeMcus(const JpegFrame& frame, const JpegScan& scan, Procedure procedure);
     void DecodeMcu(const JpegFrame& frame, const JpegScan& scan, Procedure procedure, int mcuRow,
                    int mcuColumn);
     void DcFirst(const JpegScan& scan, std::size_t component, int blockRow, int blockColumn);
@@ -69,6 +81,8 @@ private:
     const JpegTables& tables;
     EntropyState state;
     std::array<ComponentArrays, kMaxJpegComponents> arrays;
+    std::uint64_t blocksVisited = 0;  // by all scans so far
+    int dryScans = 0;
 };
 
 }  // namespace marvolen

@@ -9,6 +9,8 @@
 #include "jpeg/huffman_table.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace marvolen {
 namespace {
@@ -126,11 +128,11 @@ void DecodeRow(const JpegScan& scan, const std::array<ComponentTables, kMaxJpegC
 
 }  // namespace
 
-void SequentialDecoder::BeginScan(bool newFast, int restartInterval) {
-    fast = newFast;
+void SequentialDecoder::BeginScan(JpegPath newPath, int restartInterval) {
+    path = newPath;
     state.BeginScan(restartInterval);
     plainReader.GiveBack();
-    if (fast) {
+    if (path == JpegPath::Fast) {
         fastReader.PrimeForScan();
     } else {
         plainReader.PrimeForScan();
@@ -145,7 +147,7 @@ void SequentialDecoder::DecodeMcuRow(const JpegFrame& frame, const JpegScan& sca
                           tables.huffman[static_cast<std::size_t>(scan.acSlot[component])].derived,
                           tables.QuantTable(frame.components[component].quantTable)};
     }
-    if (fast) {
+    if (path == JpegPath::Fast) {
         DecodeRow<Quantised>(scan, use, input, fastReader, state, row);
     } else {
         DecodeRow<Dequantised>(scan, use, input, plainReader, state, row);

@@ -3,6 +3,7 @@
 #include "jpeg/entropy_state.h"
 #include "jpeg/fast_bit_reader.h"
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/jpeg_path.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/mcu_row.h"
 #include "jpeg/plain_bit_reader.h"
@@ -17,9 +18,9 @@ public:
                       const JpegTables& newTables)
         : input(newInput), plainReader(newPlainReader), fastReader(newInput), tables(newTables) {}
 
-    // Takes over from the marker layer right behind a scan header: fast leaves coefficients
-    // quantised, otherwise they are dequantised. Throws JpegFailure.
-    void BeginScan(bool newFast, int restartInterval);
+    // Takes over from the marker layer right behind a scan header. The fast path leaves
+    // coefficients quantised, the plain one dequantises them. Throws JpegFailure.
+    void BeginScan(JpegPath newPath, int restartInterval);
 
     // Decodes the next MCU row into row. Throws JpegFailure: -227 for a coefficient beyond the
     // block, -228 for a restart marker that isn't there.
@@ -31,7 +32,7 @@ private:
     FastBitReader fastReader;
     const JpegTables& tables;
     EntropyState state;
-    bool fast = true;
+    JpegPath path = JpegPath::Fast;
 };
 
 }  // namespace marvolen

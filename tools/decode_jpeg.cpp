@@ -6,10 +6,11 @@
 
 #include "jpeg/dib_image.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,11 +19,14 @@ namespace {
 
 constexpr int kExitFailure = 1;
 
+// A folder can be opened, but not read.
 bool ReadFile(const char* path, std::vector<std::uint8_t>& bytes) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) return false;
-    bytes.assign(std::istreambuf_iterator<char>(file), {});
-    return !file.bad();
+    std::array<char, 65536> portion;
+    while (file.read(portion.data(), portion.size()) || file.gcount() > 0) {
+        bytes.insert(bytes.end(), portion.begin(), portion.begin() + file.gcount());
+    }
+    return file.eof() && !file.bad();
 }
 
 // Writes the bitmap top row first and as R, G, B.

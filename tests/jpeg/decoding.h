@@ -4,6 +4,8 @@
 #include "tests/jpeg/test_encoder.h"
 #include "tests/jpeg/test_picture.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace marvolen::test {

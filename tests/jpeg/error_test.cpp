@@ -6,7 +6,10 @@
 #include "tests/jpeg/decoding.h"
 #include "tests/jpeg/stream_builder.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace marvolen::test {
 namespace {
@@ -57,7 +60,7 @@ Bytes Coded(int sof, Builder::ScanParameters parameters, const std::vector<int>&
 }
 
 std::vector<Case> HeaderCases() {
-    const Bytes twoCodesOfOneBit = Builder::HuffmanTable(0, {3}, {1, 2, 3});
+    const Bytes threeCodesOfOneBit = Builder::HuffmanTable(0, {3}, {1, 2, 3});
     const Bytes tooMany = Builder::HuffmanTable(0, {0, 0, 0, 0, 0, 0, 0, 0, 255, 1}, Bytes(256));
     const Bytes shortQuant = {0, 1, 2, 3};
     const auto sized = [](int width, int height) {
@@ -66,7 +69,7 @@ std::vector<Case> HeaderCases() {
     const std::vector<Builder::Component> five(5, {1, 0x11});
     return {
         {"TooManyCodes", Stage::Construct, -200, Before(0xC4, tooMany)},
-        {"OverSubscribed", Stage::Construct, -200, Before(0xC4, twoCodesOfOneBit)},
+        {"OverSubscribed", Stage::Construct, -200, Before(0xC4, threeCodesOfOneBit)},
         {"HuffmanSlot", Stage::Construct, -201, Before(0xC4, Builder::DcTable(8))},
         {"HuffmanSlotOfAc", Stage::Construct, -201, Before(0xC4, Builder::DcTable(0x14))},
         {"HuffmanLength", Stage::Construct, -202, Before(0xC4, {}, -1)},
@@ -101,12 +104,19 @@ std::vector<Case> HeaderCases() {
         {"ScanFirst", Stage::Construct, -218, Soi().Sos({{1}}).Take()},
         {"QuantShort", Stage::Construct, -219, Before(0xDB, shortQuant)},
         {"QuantShortByOne", Stage::Construct, -219,
-         Before(0xDB, Builder::QuantTable(0, 1, true), -1)},
+         Before(0xDB, Builder::QuantTable(0, 1, 16), -1)},
     };
 }
 
 std::vector<Case> FrameCases() {
     const std::vector<Builder::Component> four(4, {1, 0x11});
+    const auto colourScan = [](const std::vector<Builder::ScanComponent>& components) {
+        return Soi()
+            .Dqt()
+            .Sof(0xC0, 8, 8, {{1, 0x11}, {2, 0x11}, {3, 0x11}})
+            .Sos(components)
+            .Take();
+    };
     return {
         {"NoComponents", Stage::Start, -225, Frame({})},
         {"TwoComponents", Stage::Start, -225, Frame({{1, 0x11}, {2, 0x11}})},
@@ -120,14 +130,9 @@ std::vector<Case> FrameCases() {
         {"NoScanComponents", Stage::Start, -212, Scan({}, {}, 0xC0)},
         {"FiveScanComponents", Stage::Start, -212, Scan({{1}, {1}, {1}, {1}, {1}}, {}, 0xC0)},
         {"ScanComponent", Stage::Start, -213, Scan({{2}}, {}, 0xC0)},
-        {"ScanOutOfOrder", Stage::Start, -213,
-         Soi()
-             .Dqt()
-             .Sof(0xC0, 8, 8, {{1, 0x11}, {2, 0x11}, {3, 0x11}})
-             .Sos({{2}, {1}, {3}})
-             .Take()},
-        {"ScanIncomplete", Stage::Start, -225,
-         Soi().Dqt().Sof(0xC0, 8, 8, {{1, 0x11}, {2, 0x11}, {3, 0x11}}).Sos({{1}}).Take()},
+        {"ScanOutOfOrder", Stage::Start, -225, colourScan({{2}, {1}, {3}})},
+        {"ScanTwiceTheSame", Stage::Start, -225, colourScan({{1}, {2}, {2}})},
+        {"ScanIncomplete", Stage::Start, -225, colourScan({{1}, {2}})},
         {"EoiBeforeScan", Stage::Start, -216, GrayHead(8, 8).Eoi().Take()},
         {"SecondFrame", Stage::Start, -216, GrayHead(8, 8).Sof(0xC0, 8, 8, kGray).Take()},
         {"EndBeforeScan", Stage::Start, -216, GrayHead(8, 8).Take()},
@@ -146,8 +151,11 @@ std::vector<Case> FrameCases() {
              .Sof(0xC0, 8, 8, {{1, 0x11, 200}})
              .Sos({{1}})
              .Take()},
+        {"NoTableAtAll", Stage::Start, -223, Soi().Sof(0xC0, 8, 8, kGray).Sos({{1}}).Take()},
         {"NoDcTable", Stage::Start, -223, Scan({{1, 0x10}}, {}, 0xC0)},
         {"NoAcTable", Stage::Start, -223, Scan({{1, 0x03}}, {}, 0xC0)},
+        {"NoAcTableForTheBandThatASequentialScanIgnores", Stage::Start, -223,
+         Scan({{1, 0x03}}, {5, 0, 0x21}, 0xC0)},
         {"DcSelector4IsNoAcTable", Stage::Start, -223, Scan({{1, 0x40}}, {}, 0xC0)},
         {"AcSelector4", Stage::Start, -223, Scan({{1, 0x04}}, {}, 0xC0)},
         {"ProgressiveNoDcTable", Stage::Start, -223, Scan({{1, 0x20}}, {0, 0, 0}, 0xC2)},
@@ -167,6 +175,9 @@ std::vector<Case> DataCases() {
             .Bits(0, 8)
             .Take();
     };
+    // 200 KB that would make the decoder visit 21,000,000,000 blocks.
+    Builder emptyScans = GrayHead(8192, 8192, 0, 0xC2);
+    for (int i = 0; i < 20000; ++i) emptyScans.Sos({{1}}, {1, 63, 0});
     return {
         {"ZrlAt49", Stage::Rows, -227, Coded(0xC0, {}, {kZrl, kZrl, kZrl, kZrl, kEob})},
         {"RunBeyondTheBlock", Stage::Rows, -227,
@@ -224,6 +235,7 @@ std::vector<Case> DataCases() {
              .Sof(0xC2, 16, 16, wide)
              .Sos({{1}, {1}, {1}, {1}}, {0, 0, 0})
              .Take()},
+        {"TwentyThousandEmptyScans", Stage::Start, -227, emptyScans.Take()},
         {"SecondProgressiveFrame", Stage::Start, -216,
          GrayHead(8, 8, 0, 0xC2).Sof(0xC2, 8, 8, kGray).Take()},
         {"UnusedComponentWithoutTable", Stage::Start, -222,
@@ -242,10 +254,10 @@ class ErrorTest : public testing::TestWithParam<Case> {};
 
 TEST_P(ErrorTest, ShowsWhereItBelongs) {
     const Case& expected = GetParam();
-    for (const bool fast : {true, false}) {
-        SCOPED_TRACE(fast ? "fast" : "plain");
+    for (const JpegPath path : {JpegPath::Fast, JpegPath::Plain}) {
+        SCOPED_TRACE(path == JpegPath::Fast ? "fast" : "plain");
         MemoryJpegSource source(expected.jpeg.data(), expected.jpeg.size());
-        JpegDecoder decoder(&source, fast);
+        JpegDecoder decoder(&source, path);
         const std::uint8_t* row = nullptr;
         int rowBytes = 0;
         if (expected.stage == Stage::Construct) {
@@ -311,12 +323,13 @@ private:
 TEST(SourceTest, ReadFailureIsAnErrorAtEveryStage) {
     const Bytes jpeg = EncodeJpeg(MakePhotograph(704, 480), {});
     {
-        TestSource source(jpeg, 0);
-        EXPECT_EQ(JpegDecoder(&source, true).GetError(), -232);
+        TestSource unreadable(jpeg, 0);
+        EXPECT_EQ(JpegDecoder(&unreadable, JpegPath::Fast).GetError(), -232);
+        EXPECT_EQ(unreadable.ended, 1) << "by the constructor or the destructor, not both";
     }
     TestSource source(jpeg, 3 * 4096);
     {
-        JpegDecoder decoder(&source, true);
+        JpegDecoder decoder(&source, JpegPath::Fast);
         ASSERT_EQ(decoder.StartDecompress(), 0);
         const std::uint8_t* row = nullptr;
         int rowBytes = 0;
@@ -332,10 +345,17 @@ TEST(SourceTest, ReadFailureIsAnErrorAtEveryStage) {
     EXPECT_EQ(source.begun, 1);
     EXPECT_EQ(source.ended, 1);
     const Bytes progressive = EncodeJpeg(MakePhotograph(704, 480), {.progressive = true});
-    TestSource short_(progressive, 2 * 4096);
-    JpegDecoder decoder(&short_, true);
+    TestSource cutShort(progressive, 2 * 4096);
+    JpegDecoder decoder(&cutShort, JpegPath::Fast);
     EXPECT_EQ(decoder.StartDecompress(), -1);
     EXPECT_EQ(decoder.GetError(), -232);
+}
+
+TEST(SourceTest, MoreThanWasAskedForIsAReadError) {
+    struct Generous : JpegSource {
+        int Read(void*, int maxCount, bool*) override { return maxCount + 1; }
+    } source;
+    EXPECT_EQ(JpegDecoder(&source, JpegPath::Fast).GetError(), -232);
 }
 
 TEST(SourceTest, PortionsMakeNoDifference) {
@@ -344,7 +364,7 @@ TEST(SourceTest, PortionsMakeNoDifference) {
     for (const int portion : {1, 7, 4095}) {
         TestSource source(jpeg, jpeg.size() + 1, portion);
         {
-            JpegDecoder decoder(&source, true);
+            JpegDecoder decoder(&source, JpegPath::Fast);
             ASSERT_EQ(decoder.StartDecompress(), 0);
             const std::uint8_t* row = nullptr;
             int rowBytes = 0;

@@ -3,9 +3,13 @@
 #include "jpeg/huffman_table.h"
 #include "tests/jpeg/test_encoder.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace marvolen::test {

@@ -3,9 +3,13 @@
 #include "jpeg/jpeg_kernels.h"
 #include "tests/jpeg/reference_model.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace marvolen::test {

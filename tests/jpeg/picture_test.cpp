@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace marvolen::test {
@@ -104,8 +105,8 @@ TEST_P(PictureTest, DiffersFromLibjpegByRoundingOnly) {
     const Bytes jpeg = EncodeJpeg(Photograph(353, 241), GetParam().options);
     const Decoded fast = Decode(jpeg, JpegPath::Fast);
     const Decoded plain = Decode(jpeg, JpegPath::Plain);
-    EXPECT_LT(MeanDifference(fast.picture, DecodeWithLibjpeg(jpeg, true)), 0.5);
-    EXPECT_LT(MeanDifference(plain.picture, DecodeWithLibjpeg(jpeg, false)), 0.2);
+    EXPECT_LT(MeanDifference(fast.picture, DecodeWithLibjpeg(jpeg, JpegPath::Fast)), 0.5);
+    EXPECT_LT(MeanDifference(plain.picture, DecodeWithLibjpeg(jpeg, JpegPath::Plain)), 0.2);
     EXPECT_EQ(plain.error, 0);
 }
 
@@ -117,11 +118,27 @@ TEST(CameraPictureTest, DiffersFromLibjpegByRoundingOnly) {
         SCOPED_TRACE(quantPercent);
         const Bytes jpeg = EncodeJpeg(Photograph(704, 480), {.quantPercent = quantPercent});
         EXPECT_GT(jpeg.size(), 30000U);
-        EXPECT_LT(MeanDifference(Decode(jpeg).picture, DecodeWithLibjpeg(jpeg, true)), 0.5);
-        EXPECT_LT(
-            MeanDifference(Decode(jpeg, JpegPath::Plain).picture, DecodeWithLibjpeg(jpeg, false)),
-            0.2);
+        for (const auto& [path, limit] : {std::pair{JpegPath::Fast, 0.5}, {JpegPath::Plain, 0.2}}) {
+            EXPECT_LT(MeanDifference(Decode(jpeg, path).picture, DecodeWithLibjpeg(jpeg, path)),
+                      limit);
+        }
     }
+}
+
+// At quality 100 the table entry of the highest frequency rounds to 0 on the fast path.
+TEST(ChequerboardTest, IsExactOnThePlainPathOnly) {
+    Picture picture{32, 32, {}};
+    for (int i = 0; i < 32 * 32; ++i) {
+        const bool white = (i + i / 32) % 2 == 0;
+        picture.rgb.insert(picture.rgb.end(), 3, white ? 255 : 0);
+    }
+    const Bytes jpeg = EncodeJpeg(picture, {.gray = true, .quantPercent = 1});
+    EXPECT_LT(MeanDifference(Decode(jpeg, JpegPath::Plain).picture, picture), 1);
+    const Picture fast = Decode(jpeg, JpegPath::Fast).picture;
+    EXPECT_TRUE(fast.rgb == ModelFastPicture(ReadCoefficients(jpeg), 32, 32).rgb);
+    EXPECT_GT(MeanDifference(fast, picture), 20);
+    const Bytes coarser = EncodeJpeg(picture, {.gray = true, .quantPercent = 20});
+    EXPECT_LT(MeanDifference(Decode(coarser, JpegPath::Fast).picture, picture), 20);
 }
 
 }  // namespace

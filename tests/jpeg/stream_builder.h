@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace marvolen::test {
@@ -45,10 +46,10 @@ public:
     }
 
     // A table of 64 equal entries.
-    static Bytes QuantTable(int number, int entry, bool wide = false) {
-        Bytes table = {Byte(number | (wide ? 0x10 : 0))};
+    static Bytes QuantTable(int number, int entry, int entryBits = 8) {
+        Bytes table = {Byte(number | (entryBits == 16 ? 0x10 : 0))};
         for (int k = 0; k < 64; ++k) {
-            if (wide) table.push_back(Byte(entry >> 8));
+            if (entryBits == 16) table.push_back(Byte(entry >> 8));
             table.push_back(Byte(entry));
         }
         return table;
@@ -60,8 +61,8 @@ public:
     // A table with counts codes of each length, padded to 16 lengths.
     static Bytes HuffmanTable(int classAndNumber, Bytes counts, const Bytes& symbols) {
         counts.resize(16);
-        Bytes table = {Byte(classAndNumber)};
-        table.insert(table.end(), counts.begin(), counts.end());
+        Bytes table = std::move(counts);
+        table.insert(table.begin(), Byte(classAndNumber));
         table.insert(table.end(), symbols.begin(), symbols.end());
         return table;
     }

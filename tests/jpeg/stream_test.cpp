@@ -6,7 +6,12 @@
 #include "tests/jpeg/reference_model.h"
 #include "tests/jpeg/stream_builder.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 namespace marvolen::test {
 namespace {
@@ -23,13 +28,18 @@ Bytes FlatPicture(Builder head) {
     return FlatBlock(head.Sos({{1}}), 160).Flush().Eoi().Take();
 }
 
-void ExpectFlat(const Bytes& jpeg, int level, const char* what) {
-    for (const JpegPath path : {JpegPath::Fast, JpegPath::Plain}) {
+void ExpectFlat(const Bytes& jpeg, int fastLevel, int plainLevel, const char* what) {
+    for (const auto& [path, level] :
+         {std::pair{JpegPath::Fast, fastLevel}, {JpegPath::Plain, plainLevel}}) {
         const Decoded decoded = Decode(jpeg, path);
         EXPECT_EQ(decoded.result, 1) << what << ", error " << decoded.error;
         EXPECT_EQ(decoded.error, 0) << what;
         EXPECT_EQ(decoded.picture.rgb, Bytes(8 * 8 * 3, static_cast<std::uint8_t>(level))) << what;
     }
+}
+
+void ExpectFlat(const Bytes& jpeg, int level, const char* what) {
+    ExpectFlat(jpeg, level, level, what);
 }
 
 Bytes Head() {
@@ -81,7 +91,7 @@ TEST(TableTest, SegmentsMayHoldSeveralTables) {
          {Builder::AcTable({9, 9}, 1), Builder::DcTable(), Builder::AcTable(kAcSymbols)}) {
         huffman.insert(huffman.end(), table.begin(), table.end());
     }
-    Bytes quant = Builder::QuantTable(3, 700, true);
+    Bytes quant = Builder::QuantTable(3, 700, 16);
     const Bytes second = Builder::QuantTable(0, 1);
     quant.insert(quant.end(), second.begin(), second.end());
     Builder stream;
@@ -102,6 +112,32 @@ TEST(TableTest, LaterDefinitionsReplaceEarlierOnes) {
     // Between frame and scan header the same goes on.
     Builder late = GrayHead(8, 8).Dqt(0, 2);
     ExpectFlat(FlatPicture(late), 168, "replaced behind the frame header");
+    // And between the data and EOI: before the last row's inverse DCT, after its Huffman decoding.
+    Builder last = GrayHead(8, 8).Sos({{1}});
+    FlatBlock(last, 160).Flush().Dqt(0, 2).Eoi();
+    ExpectFlat(last.Take(), 168, 148, "replaced behind the last row");
+    // A decoder has room for 100 tables, but not for as many different ones.
+    Builder many = Builder().Soi();
+    for (int i = 0; i < 120; ++i) {
+        many.Dqt(i % 4, i).Dht(Builder::DcTable(i % 4)).Dht(Builder::AcTable({9}, i % 4));
+    }
+    const Bytes head = Head();
+    ExpectFlat(FlatPicture(many.Raw({head.begin() + 2, head.end()})), 148, "replaced 120 times");
+}
+
+TEST(TableTest, AHuffmanTableMayHave255Codes) {
+    // 9 bits each; the last one is the end of block.
+    Bytes symbols;
+    for (int i = 0; i < 255; ++i) symbols.push_back(static_cast<std::uint8_t>(254 - i));
+    Builder stream = GrayHead(8, 8);
+    stream.Dht(Builder::HuffmanTable(0x10, {0, 0, 0, 0, 0, 0, 0, 0, 255}, symbols));
+    stream.Sos({{1}}).Dc(160).Bits(254, 9).Flush().Eoi();
+    ExpectFlat(stream.Take(), 148, "255 codes");
+}
+
+TEST(TableTest, ASequentialScanIgnoresItsBand) {
+    Builder stream = GrayHead(8, 8).Sos({{1}}, {5, 0, 0x21});
+    ExpectFlat(FlatBlock(stream, 160).Flush().Eoi().Take(), 148, "5, 0, 0x21");
 }
 
 TEST(TableTest, GraySamplingFactorsMeanNothing) {
@@ -120,20 +156,22 @@ TEST(TableTest, GraySamplingFactorsMeanNothing) {
     }
 }
 
-// A 16 x 8 gray picture of two blocks, the second flat at the level of the first one's DC (0).
-void ExpectBlocks(const Bytes& jpeg, const Block& first) {
+// A 16 x 8 gray picture of two blocks.
+void ExpectBlocks(const Bytes& jpeg, const Block& first, const Block& second = {}) {
     std::array<int, 64> ones;
     ones.fill(1);
-    const SampleBlock fast = ModelFastIdct(first, ModelFastTable(ones));
-    const SampleBlock plain = ModelPlainIdct(first);
+    const Block table = ModelFastTable(ones);
     for (const JpegPath path : {JpegPath::Fast, JpegPath::Plain}) {
-        const SampleBlock& samples = path == JpegPath::Fast ? fast : plain;
+        const auto transform = [&](const Block& block) {
+            return path == JpegPath::Fast ? ModelFastIdct(block, table) : ModelPlainIdct(block);
+        };
+        const SampleBlock samples[] = {transform(first), transform(second)};
         const Decoded decoded = Decode(jpeg, path);
         ASSERT_EQ(decoded.result, 1);
         ASSERT_EQ(decoded.error, 0);
         for (std::size_t y = 0; y < 8; ++y) {
             for (std::size_t x = 0; x < 16; ++x) {
-                const int expected = x < 8 ? samples[8 * y + x] : 128;
+                const int expected = samples[x / 8][8 * y + x % 8];
                 ASSERT_EQ(decoded.picture.rgb[3 * (16 * y + x)], expected) << x << ", " << y;
             }
         }
@@ -199,6 +237,18 @@ TEST(EntropyTest, RestartMarkersCountModulo8) {
     }
 }
 
+TEST(EntropyTest, EndOfBandRunEndsAtARestart) {
+    // A run of three blocks, of which the restart leaves one.
+    constexpr int kRunOf2To3 = 5;
+    Bytes symbols = kAcSymbols;
+    symbols.push_back(0x10);
+    Builder stream = GrayHead(16, 8, 1, 0xC2).Dht(Builder::AcTable(symbols));
+    stream.Sos({{1}}, {0, 0, 0}).Dc(0).Flush().Marker(0xD0).Dc(0).Flush();
+    stream.Sos({{1}}, {1, 63, 0}).Bits(kRunOf2To3, 8).Bits(1, 1).Flush().Marker(0xD0);
+    stream.Bits(kOne, 8).Bits(1, 1).Bits(kEob, 8).Flush().Eoi();
+    ExpectBlocks(stream.Take(), {}, {0, 1});
+}
+
 TEST(EntropyTest, RestartSearchBeginsBehindTheLookAhead) {
     // FF 00 ends the search in failure, unless a reader has already taken it for data: the fast one
     // has read 6 bytes, the plain one 4, when the first block of 12 bits is done.
@@ -210,6 +260,19 @@ TEST(EntropyTest, RestartSearchBeginsBehindTheLookAhead) {
             FlatBlock(stream.Marker(0xD0), 0).Flush().Eoi();
             EXPECT_EQ(Decode(stream.Take(), path).error, position < lookAhead ? 0 : -228)
                 << position;
+        }
+    }
+}
+
+TEST(EntropyTest, RestartSearchEndsAfter1536Bytes) {
+    // The data is 2 bytes, of the zeros behind it the readers have taken 4 and 2, and the marker
+    // takes 2 of the 1536.
+    for (const auto& [path, most] : {std::pair{JpegPath::Fast, 1538}, {JpegPath::Plain, 1536}}) {
+        for (const int zeros : {most, most + 1}) {
+            Builder stream = GrayHead(16, 8, 1);
+            FlatBlock(stream.Sos({{1}}), 0).Flush().Raw(Bytes(static_cast<std::size_t>(zeros)));
+            FlatBlock(stream.Marker(0xD0), 0).Flush().Eoi();
+            EXPECT_EQ(Decode(stream.Take(), path).error, zeros == most ? 0 : -228) << zeros;
         }
     }
 }
@@ -271,7 +334,7 @@ TEST(EntropyTest, EndOfDataReadsAsFiller) {
 TEST(LifecycleTest, OperationsAnswerInEveryState) {
     const Bytes jpeg = EncodeJpeg(MakePhotograph(100, 20), {});
     MemoryJpegSource source(jpeg.data(), jpeg.size());
-    JpegDecoder decoder(&source, true);
+    JpegDecoder decoder(&source, JpegPath::Fast);
     const std::uint8_t* row = nullptr;
     int rowBytes = 0;
     EXPECT_EQ(decoder.ReadScanline(&row, &rowBytes), -1) << "not started";
@@ -296,7 +359,7 @@ TEST(LifecycleTest, OperationsAnswerInEveryState) {
 TEST(LifecycleTest, GrayRowsHaveOneByteAPixel) {
     const Bytes jpeg = EncodeJpeg(MakePhotograph(17, 9), {.gray = true});
     MemoryJpegSource source(jpeg.data(), jpeg.size());
-    JpegDecoder decoder(&source, true);
+    JpegDecoder decoder(&source, JpegPath::Fast);
     ASSERT_EQ(decoder.StartDecompress(), 0);
     EXPECT_EQ(decoder.GetComponents(), 1);
     EXPECT_EQ(decoder.GetBytesPerPixel(), 1);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <jpeglib.h>
+#include <utility>
 
 namespace marvolen::test {
 namespace {
@@ -120,10 +121,10 @@ std::vector<ReferenceComponent> ReadCoefficients(const Bytes& jpeg) {
     return components;
 }
 
-Picture DecodeWithLibjpeg(const Bytes& jpeg, bool fastDct) {
+Picture DecodeWithLibjpeg(const Bytes& jpeg, JpegPath path) {
     Decompressor decompressor(jpeg);
     jpeg_decompress_struct& info = decompressor.info;
-    info.dct_method = fastDct ? JDCT_IFAST : JDCT_ISLOW;
+    info.dct_method = path == JpegPath::Fast ? JDCT_IFAST : JDCT_ISLOW;
     info.do_fancy_upsampling = FALSE;
     info.do_block_smoothing = FALSE;
     info.out_color_space = JCS_RGB;

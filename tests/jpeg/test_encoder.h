@@ -1,8 +1,10 @@
 #pragma once
 
+#include "jpeg/jpeg_path.h"
 #include "tests/jpeg/test_picture.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -52,7 +54,7 @@ struct ReferenceComponent {
 // Entropy-decodes a sound JPEG with libjpeg.
 std::vector<ReferenceComponent> ReadCoefficients(const Bytes& jpeg);
 
-// Decodes a sound JPEG with libjpeg, chroma samples repeated, to RGB.
-Picture DecodeWithLibjpeg(const Bytes& jpeg, bool fastDct);
+// Decodes a sound JPEG with libjpeg and its DCT of that kind, chroma samples repeated, to RGB.
+Picture DecodeWithLibjpeg(const Bytes& jpeg, JpegPath path);
 
 }  // namespace marvolen::test
