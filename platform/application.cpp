@@ -9,6 +9,7 @@
 namespace marvolen {
 
 int CWinApp::Run() {
+    std::signal(SIGXFSZ, SIG_IGN);
     if (InitInstance()) exitCode = QCoreApplication::exec();
     return ExitInstance();
 }

@@ -10,7 +10,8 @@ public:
     virtual ~CWinApp() = default;
 
     // Runs the program: InitInstance, an event loop if that asks for one, ExitInstance in every
-    // case. Returns the process's exit status.
+    // case. Returns the process's exit status. A limit on file sizes is an error of the write that
+    // meets it, as a full disk is, never a signal.
     int Run();
 
 protected:
