@@ -127,10 +127,15 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
 QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
     auto* layout = MakeLayout<QHBoxLayout>(group);
-    layout->addWidget(
-        MakeButton(IDC_SETTING, QStringLiteral("Setting ..."), QStringLiteral("Channel settings")));
-    layout->addWidget(
-        MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."), QStringLiteral("Playback")));
+    QPushButton* setting =
+        MakeButton(IDC_SETTING, QStringLiteral("Setting ..."), QStringLiteral("Channel settings"));
+    QPushButton* playback =
+        MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."), QStringLiteral("Playback"));
+    // Disabled as long as there are no dialogs for them to open.
+    setting->setEnabled(false);
+    playback->setEnabled(false);
+    layout->addWidget(setting);
+    layout->addWidget(playback);
     return group;
 }
 
