@@ -70,6 +70,10 @@ bool FileHandle::Open(const std::string& path) {
     return OpenDescriptor(path, O_RDWR, Hold::kExclusive);
 }
 
+bool FileHandle::OpenOrMake(const std::string& path) {
+    return OpenDescriptor(path, O_RDWR | O_CREAT, Hold::kExclusive);
+}
+
 bool FileHandle::OpenShared(const std::string& path) {
     return OpenDescriptor(path, O_RDONLY, Hold::kShared);
 }

@@ -41,6 +41,8 @@ public:
     bool Create(const std::string& path);
     // Open opens an existing file for reading and writing.
     bool Open(const std::string& path);
+    // OpenOrMake opens an existing file for reading and writing as it is, or makes an empty one.
+    bool OpenOrMake(const std::string& path);
     // OpenShared opens an existing file for reading only. Several may do so at once; while one of
     // them has it, nobody gets it exclusively.
     bool OpenShared(const std::string& path);
@@ -49,7 +51,7 @@ public:
     void Close();
 
     bool IsOpen() const { return descriptor >= 0; }
-    // Of the latest Create, Open or OpenShared.
+    // Of the latest of these four.
     FileOpenError OpenError() const { return openError; }
 
     // The position, in bytes from the start of the file; it may lie beyond the end. A position that

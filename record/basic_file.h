@@ -47,6 +47,8 @@ public:
     bool IsOpen() const { return handle.IsOpen(); }
 
 protected:
+    // Opens an existing file as it is, or makes an empty one, as Open and Create do.
+    bool OpenOrMake(const std::string& path) { return handle.OpenOrMake(path); }
     // Ends the file at the current position.
     bool SetEndOfFile() { return handle.Truncate(); }
 

@@ -7,7 +7,10 @@
 namespace marvolen {
 
 void RecordFile::Reset() {
+    CloseWriter();
     writeChunkDirty = false;
+    transferFailed = false;
+    readChunk = {};
     cursor = 0;
     chunkList.clear();
     // Close leaves a ring file's watch as it was; a file being opened must not have one.
@@ -19,7 +22,10 @@ bool RecordFile::WriteAll(const void* buf, std::uint32_t n) {
     bool stalled = false;
     while (n > 0) {
         std::uint32_t put = 0;
-        if (!Write(bytes, n, &put)) return false;
+        if (!Write(bytes, n, &put)) {
+            transferFailed = true;
+            return false;
+        }
         // One write of nothing is the turn at the ring's end; a second one would go on for ever.
         if (put == 0 && stalled) return false;
         stalled = put == 0;
@@ -34,7 +40,10 @@ bool RecordFile::ReadAll(void* buf, std::uint32_t n) {
     bool stalled = false;
     while (n > 0) {
         std::uint32_t got = 0;
-        if (!Read(bytes, n, &got)) return false;
+        if (!Read(bytes, n, &got)) {
+            transferFailed = true;
+            return false;
+        }
         if (got == 0 && stalled) return false;
         stalled = got == 0;
         bytes += got;

@@ -17,6 +17,8 @@
 // that frame, a failed step leaves the current record where it was. Damaged files are refused or
 // give fewer records; they never lead to an access outside the ring or to an endless walk.
 //
+// Opening an object that is open closes it first.
+//
 // Used by one thread at a time. Paths are native. The file is held exclusively while it is open.
 
 #include "net/video_frame.h"
@@ -43,6 +45,12 @@ public:
     // record. Fails for a missing, foreign or damaged file. A smaller maximum keeps the newest
     // consecutive chunks that lie wholly below it, and fails when there is none.
     bool OpenAppend(const std::string& path, std::uint64_t newMaxSize);
+
+    // OpenAppend, or CreateNew where there is no recording to go on with: the file is missing, or
+    // what it holds is foreign or damaged. A file that can't be had, because it is in use for
+    // example, and one that can't be read or written at the moment stay as they are; then this
+    // fails. The file is held from before it is looked at.
+    bool OpenOrCreateNew(const std::string& path, std::uint64_t newMaxSize);
 
     // Appends the frame's picture as one record. False when the frame has no time, when it can't
     // fit into the ring beside an index block, or when the disk doesn't take it; the next frame
@@ -90,6 +98,8 @@ private:
     bool ReadAll(void* buf, std::uint32_t n);
 
     void Reset();
+    bool StartRecording(std::uint64_t newMaxSize);
+    bool GoOn(std::uint64_t newMaxSize);
     RingGeometry StoredRing();
     bool ReadChain(std::vector<std::uint64_t>& chain);
     std::uint64_t SettleNewest();

@@ -27,6 +27,8 @@ bool RecordFile::OpenForRead(const std::string& path) {
 
 void RecordFile::CloseReader() {
     chunkList.clear();
+    readChunk = {};
+    cursor = 0;
     Close();
 }
 

@@ -21,28 +21,51 @@ ChunkHeader EmptyChunk(std::uint64_t pos, std::uint64_t prev) {
 bool RecordFile::CreateNew(const std::string& path, std::uint64_t newMaxSize) {
     Reset();
     if (!AcceptsMaxSize(newMaxSize) || !Create(path)) return false;
+    if (StartRecording(newMaxSize)) return true;
+    Close();
+    return false;
+}
+
+// Makes a record file of one that holds a fresh ring header.
+bool RecordFile::StartRecording(std::uint64_t newMaxSize) {
     ring = RingGeometry(newMaxSize);
     InitChunk(GetHead(), 0);
     // The header goes to disk with its maximum at once: without it nobody could open the file.
-    if (FlushChunk() && SetHeaderMaxSize(newMaxSize) && WriteHeader() && SetLimited(true) &&
-        Seek(GetHead() + kChunkBlockSize)) {
+    return FlushChunk() && SetHeaderMaxSize(newMaxSize) && WriteHeader() && SetLimited(true) &&
+           Seek(GetHead() + kChunkBlockSize);
+}
+
+bool RecordFile::OpenAppend(const std::string& path, std::uint64_t newMaxSize) {
+    Reset();
+    if (!AcceptsMaxSize(newMaxSize) || !Open(path)) return false;
+    if (GoOn(newMaxSize)) return true;
+    Close();
+    return false;
+}
+
+bool RecordFile::OpenOrCreateNew(const std::string& path, std::uint64_t newMaxSize) {
+    Reset();
+    if (!AcceptsMaxSize(newMaxSize) || !OpenOrMake(path)) return false;
+    if (TakeUpRing() && GoOn(newMaxSize)) return true;
+    // A file just made ends up here too: it holds nothing.
+    if (!transferFailed && SetLimited(false) && Seek(0) && SetEndOfFile() && StartRing() &&
+        StartRecording(newMaxSize)) {
         return true;
     }
     Close();
     return false;
 }
 
-bool RecordFile::OpenAppend(const std::string& path, std::uint64_t newMaxSize) {
-    Reset();
-    if (!AcceptsMaxSize(newMaxSize) || !Open(path)) return false;
+// Goes on with the recording behind a ring header. False without a failed transfer: there is none
+// that could be gone on with.
+bool RecordFile::GoOn(std::uint64_t newMaxSize) {
     ring = StoredRing();
+    // Its header was there a moment ago.
+    if (GetSize() < sizeof(RingHeader)) transferFailed = true;
     std::vector<std::uint64_t> chain;
-    if (ReadChain(chain) && ReadChunk(chain.back(), writeChunk)) {
-        std::uint64_t end = SettleNewest();
-        if (AdoptMaxSize(newMaxSize, chain, end) && SetLimited(true) && Seek(end)) return true;
-    }
-    Close();
-    return false;
+    if (!ReadChain(chain) || !ReadChunk(chain.back(), writeChunk)) return false;
+    std::uint64_t end = SettleNewest();
+    return AdoptMaxSize(newMaxSize, chain, end) && SetLimited(true) && Seek(end);
 }
 
 // Returns where writing goes on: behind the data of the newest chunk, in the ring as it was
@@ -79,12 +102,13 @@ bool RecordFile::AdoptMaxSize(std::uint64_t newMaxSize, const std::vector<std::u
     // What a file holds beyond its ring must not become part of a larger one.
     if (newMaxSize > ring.End() && GetSize() > ring.End() &&
         !(Seek(ring.End()) && SetEndOfFile())) {
+        transferFailed = true;
         return false;
     }
     if (!SetHeaderMaxSize(newMaxSize)) return false;
     ring = RingGeometry(newMaxSize);
-    WriteHeader();  // stays due if it fails
-    return true;
+    // Records behind the maximum that the file tells would be lost to every reader.
+    return WriteHeader();
 }
 
 // Reduces the chain to the newest run of chunks that lie in one piece below newMaxSize.

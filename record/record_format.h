@@ -26,7 +26,7 @@ inline constexpr std::uint32_t kChunkEntries = 600;
 
 struct RingHeader {
     std::uint32_t magic;     // kRingMagic
-    std::uint32_t reserved;  // written as 0, not interpreted
+    std::uint32_t reserved;  // 0 in a new file, not interpreted
     std::uint64_t head;      // position of the oldest chunk
     std::uint64_t maxSize;   // size of the ring in bytes, this header included
 };

@@ -14,11 +14,7 @@ RecordWriter::~RecordWriter() {
 bool RecordWriter::Open(const ChannelInfo& channel) {
     constexpr std::uint64_t kMegabyte = 1048576;
     const std::uint64_t size = static_cast<std::uint32_t>(channel.maxSizeMB) * kMegabyte;
-    // Creating a file empties the one that is there, so a maximum that creating would refuse must
-    // not get that far.
-    if (!AcceptsMaxSize(size)) return false;
-    const std::string path = NativePath(FieldText(channel.recordPath));
-    return OpenAppend(path, size) || CreateNew(path, size);
+    return OpenOrCreateNew(NativePath(FieldText(channel.recordPath)), size);
 }
 
 void RecordWriter::Deliver(FramePtr frame) {

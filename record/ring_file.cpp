@@ -4,20 +4,25 @@ namespace marvolen {
 
 bool RingFile::Create(const std::string& path) {
     if (!MarkedFile::Create(path)) return false;
+    if (StartRing()) return true;
+    Close();
+    return false;
+}
+
+bool RingFile::StartRing() {
     InitHeader();
-    if (!WriteHeader()) {
-        Close();
-        return false;
-    }
-    return SetHead(header.head);
+    return WriteHeader() && SetHead(header.head);
 }
 
 bool RingFile::Open(const std::string& path) {
     if (!MarkedFile::Open(path)) return false;
-    if (!ReadHeader() || !SetMaxSize(header.maxSize)) {
-        Close();
-        return false;
-    }
+    if (TakeUpRing()) return true;
+    Close();
+    return false;
+}
+
+bool RingFile::TakeUpRing() {
+    if (!ReadHeader() || !SetMaxSize(header.maxSize)) return false;
     MoveMark(header.head);
     return true;
 }
@@ -89,6 +94,7 @@ void RingFile::OnHeadReached() {}
 
 void RingFile::InitHeader() {
     header.magic = kRingMagic;
+    header.reserved = 0;
     header.head = kRingDataStart;
     headerDirty = true;
 }
@@ -96,7 +102,10 @@ void RingFile::InitHeader() {
 bool RingFile::ReadHeader() {
     RingHeader stored{};
     std::uint32_t got = 0;
-    if (!Seek(0) || !Read(&stored, sizeof stored, &got)) return false;
+    if (!Seek(0) || !Read(&stored, sizeof stored, &got)) {
+        transferFailed = true;
+        return false;
+    }
     if (got != sizeof stored || stored.magic != kRingMagic) return false;
     header = stored;
     headerDirty = false;
@@ -105,9 +114,11 @@ bool RingFile::ReadHeader() {
 
 bool RingFile::WriteHeader() {
     if (!headerDirty) return true;
-    if (!Seek(0)) return false;
     std::uint32_t put = 0;
-    if (!Write(&header, sizeof header, &put) || put != sizeof header) return false;
+    if (!Seek(0) || !Write(&header, sizeof header, &put) || put != sizeof header) {
+        transferFailed = true;
+        return false;
+    }
     headerDirty = false;
     return true;
 }

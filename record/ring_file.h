@@ -54,8 +54,16 @@ protected:
     // The next write would cover the head. Leaves the position where it found it.
     virtual void OnHeadReached();
 
+    // The steps of Create and Open that follow once the file is open.
+    bool StartRing();
+    bool TakeUpRing();
+
     // Writes the header if it has changed. Leaves the position behind it.
     bool WriteHeader();
+
+    // A read or write has failed: what could be read tells nothing about what the file holds. Only
+    // subclasses reset it.
+    bool transferFailed = false;
 
 private:
     void InitHeader();

@@ -201,6 +201,31 @@ TEST_F(Recorder, ARefusedMaximumLeavesTheRecordingUntouched) {
     EXPECT_EQ(test::ReadWholeFile(kPath), before);
 }
 
+// Whoever holds the file lets go in the moment in which it would be created anew.
+class LateRecordWriter : public RecordWriter {
+public:
+    bool Create(const std::string& path) override {
+        holder.Close();
+        return RecordWriter::Create(path);
+    }
+    FileHandle holder;
+};
+
+TEST_F(Recorder, NeverReplacesAFileThatWasInUse) {
+    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
+    recorder.SetRecording(true);
+    Deliver(true);
+    recorder.Close(CloseFlag::Ordered);
+    {
+        LateRecordWriter writer;
+        ASSERT_TRUE(writer.holder.OpenShared(kPath));
+        EXPECT_FALSE(writer.Open(channel));
+        writer.holder.Close();
+        EXPECT_TRUE(writer.Open(channel)) << "the next try";
+    }
+    EXPECT_EQ(Records(), 1U);
+}
+
 TEST_F(Recorder, TakesTheMaximumAsUnsigned) {
     channel.maxSizeMB = -1;
     ASSERT_TRUE(recorder.Open(&channel, &pane, &window));

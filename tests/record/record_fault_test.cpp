@@ -40,12 +40,14 @@ public:
     }
 
     bool Read(void* buf, std::uint32_t n, std::uint32_t* got) override {
+        if (readsBeforeFailure > 0 && --readsBeforeFailure == 0) return false;
         return stuck ? MovesNothing(got) : RecordFile::Read(buf, n, got);
     }
 
     static constexpr std::uint64_t kEndless = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t room = kEndless;
     bool stuck = false;
+    int readsBeforeFailure = 0;  // 0: reading never fails
     bool keepsTrace = false;
     std::vector<Piece> trace;
 
@@ -112,6 +114,41 @@ TEST_F(RecordFaults, AWriteThatMovesNothingFailsInTheEnd) {
     EXPECT_FALSE(Shows(1, 10));
     disk->stuck = false;
     EXPECT_TRUE(Shows(1, 10));
+}
+
+TEST_F(RecordFaults, AnErrorOnReopeningCostsNoRecording) {
+    constexpr std::uint64_t kChunkOf10 = kBlock + 6000;
+    const std::uint64_t belowNewest = 24 + 2 * kChunkOf10 + 100;
+    ASSERT_TRUE(Create(kMiB) && AppendMany(1300, 10));
+    Close();
+    const std::string good = ReadWholeFile(path);
+    // The header, three chunk headers, and the newest block.
+    int reads = 1;
+    for (;; ++reads) {
+        Renew();
+        disk->readsBeforeFailure = reads;
+        if (file->OpenOrCreateNew(path, kMiB)) break;
+        EXPECT_FALSE(file->IsOpen());
+        ASSERT_EQ(ReadWholeFile(path), good) << reads;
+    }
+    EXPECT_EQ(reads, 6);
+    // Within the new header; in the entries, in the header of a chunk that becomes the newest.
+    for (const auto& [maxSize, room, kept] : {std::tuple{2 * kMiB, 10U, 1299U},
+                                              {belowNewest, 100U, 1299U},
+                                              {belowNewest, 19200U, 1299U},
+                                              {belowNewest, 19240U + 4U, 1199U}}) {
+        Crash();
+        Restore(good);
+        Renew();
+        disk->room = room;
+        EXPECT_FALSE(file->OpenOrCreateNew(path, maxSize));
+        EXPECT_FALSE(file->IsOpen());
+        EXPECT_TRUE(Sound());
+        EXPECT_TRUE(HoldsRange(0, kept, 10)) << maxSize << ' ' << room;
+        ASSERT_TRUE(Reopen(maxSize)) << "the next try";
+        Close();
+        EXPECT_TRUE(HoldsRange(0, maxSize == belowNewest ? 1199 : 1299, 10));
+    }
 }
 
 TEST_F(RecordFaults, AHalfWrittenBlockOverTheOldOneIsWrittenFirst) {

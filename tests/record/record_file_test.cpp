@@ -240,6 +240,17 @@ TEST_F(RecordFileTest, AFailedStepStaysWhereItWas) {
     EXPECT_TRUE(Shows(599, 7));
 }
 
+TEST_F(RecordFileTest, AClosedFileHasNoRecordsToStepTo) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(700, 10));
+    Close();
+    ASSERT_TRUE(Read() && file->SeekTo(300));
+    file->CloseReader();
+    EXPECT_FALSE(file->StepForward() || file->StepBack() || file->SeekTo(0));
+    ASSERT_TRUE(file->OpenForRead(path) && file->SeekTo(300));
+    EXPECT_FALSE(file->OpenForRead("none"));
+    EXPECT_FALSE(file->StepForward() || file->StepBack() || file->SeekTo(0));
+}
+
 TEST_F(RecordFileTest, ARecordLongerThanTheFrameIsLeftOut) {
     ASSERT_TRUE(Create(kMiB) && Append(1000) && Append(1001) && Append(500));
     Close();

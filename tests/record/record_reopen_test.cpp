@@ -154,6 +154,47 @@ TEST_F(RecordReopen, AFileInUseIsLeftAlone) {
     EXPECT_TRUE(HoldsRange(0, 700, 10));
 }
 
+TEST_F(RecordReopen, OpeningAnOpenFileClosesItFirst) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(3, 10));
+    EXPECT_TRUE(file->CreateNew("other.dbt", kMiB));
+    EXPECT_TRUE(file->OpenAppend(path, kMiB) && AppendMany(2, 10));
+    EXPECT_TRUE(file->OpenForRead(path));
+    EXPECT_EQ(file->RecordCount(), 5U);
+    EXPECT_TRUE(file->OpenOrCreateNew(path, kMiB) && Append(10));
+    Close();
+    EXPECT_TRUE(HoldsRange(0, 5, 10));
+}
+
+TEST_F(RecordReopen, OnlyAFileWithoutARecordingIsReplaced) {
+    Renew();
+    ASSERT_TRUE(file->OpenOrCreateNew(path, kMiB)) << "missing";
+    EXPECT_EQ(Size(), kSmallestRing);
+    ASSERT_TRUE(AppendMany(700, 10));
+    EXPECT_TRUE(file->OpenOrCreateNew(path, kMiB) && Append(10));
+    Close();
+    ASSERT_TRUE(HoldsRange(0, 700, 10));
+    EXPECT_FALSE(file->OpenOrCreateNew(path, 24));
+    ASSERT_TRUE(HoldsRange(0, 700, 10));
+    const std::string good = ReadWholeFile(path);
+    std::string damaged = good;
+    damaged[24] = 'X';
+    damaged[4] = 'Y';
+    for (const std::string& bytes : {std::string(), std::string("RI"), std::string(50000, 'R'),
+                                     good.substr(0, 100), damaged}) {
+        WriteWholeFile(path, bytes);
+        ASSERT_TRUE(file->OpenOrCreateNew(path, kMiB));
+        EXPECT_EQ(Header().reserved, 0U);
+        EXPECT_EQ(Size(), kSmallestRing);
+        nextId = 0;
+        ASSERT_TRUE(Append(10));
+        Close();
+        EXPECT_TRUE(HoldsRange(0, 0, 10));
+    }
+    WriteWholeFile(path, good);
+    EXPECT_TRUE(file->OpenOrCreateNew(path, kSmallestRing)) << "no chunk lies below";
+    EXPECT_EQ(Size(), kSmallestRing);
+}
+
 TEST_F(RecordReopen, WhatIsNoFileCannotBeOpened) {
     fs::create_directory("folder");
     for (const char* name : {"", "folder", "missing/file", "/dev/full"}) {
