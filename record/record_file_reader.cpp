@@ -35,7 +35,7 @@ void RecordFile::CloseReader() {
 // Makes the given entry of the chunk at pos the current record, or leaves everything as it was.
 bool RecordFile::LoadChunk(std::uint64_t pos, std::uint32_t entry) {
     ChunkBlock loaded;
-    if (!ReadChunk(pos, loaded)) return false;
+    if (!ReadChunk(pos, loaded) || !TurnsAsWritten(loaded)) return false;
     if (entry == kLastEntry) entry = loaded.header.count - 1;
     if (entry >= loaded.header.count) return false;
     readChunk = loaded;
@@ -80,13 +80,38 @@ bool RecordFile::StepBack() {
     return readChunk.header.self != GetHead() && LoadChunk(readChunk.header.prev, kLastEntry);
 }
 
+// A file shorter than its maximum has either turned before that was raised or was cut short, and
+// then the ring doesn't turn where it was written to. Whatever lies across the turn tells: a block
+// by its entries, which must be back to back up to the next chunk, a record by ending where the
+// next one begins.
+bool RecordFile::TurnsAsWritten(const ChunkBlock& block) const {
+    const ChunkHeader& chunk = block.header;
+    if (ring.End() - chunk.self >= kChunkBlockSize || ring.End() == GetHeaderMaxSize()) return true;
+    std::uint64_t end = ring.Advance(chunk.self, kChunkBlockSize);
+    for (std::uint32_t k = 0; k < chunk.count; ++k) {
+        const IndexEntry& entry = block.entries[k];
+        if (ring.Place(entry.pos) != ring.Place(end) || entry.length > ring.Size()) return false;
+        end = ring.Advance(end, entry.length);
+    }
+    return chunk.next == 0 || ring.Place(chunk.next) == ring.Place(end);
+}
+
+bool RecordFile::TurnsAsWritten() const {
+    const IndexEntry& entry = readChunk.entries[cursor];
+    const std::uint64_t following = cursor + 1 < readChunk.header.count
+                                        ? readChunk.entries[cursor + 1].pos
+                                        : readChunk.header.next;
+    if (entry.length <= ring.End() - entry.pos || following == 0) return true;
+    return ring.Place(following) == ring.Place(ring.Advance(entry.pos, entry.length));
+}
+
 bool RecordFile::ReadRecord(VideoFrame& frame) {
     if (cursor >= readChunk.header.count) return false;
     const IndexEntry& entry = readChunk.entries[cursor];
     if (entry.length > frame.Capacity() || !ring.Holds(entry.pos)) return false;
     // No record runs on into the oldest chunk. One that would do so has lost its end, in a file
     // that was cut short for example.
-    if (ring.Distance(GetHead(), entry.pos) + entry.length > ring.Size()) return false;
+    if (!ring.Fits(GetHead(), entry.pos, entry.length) || !TurnsAsWritten()) return false;
     const auto length = static_cast<std::uint32_t>(entry.length);
     if (!Seek(entry.pos) || !ReadAll(frame.Data(), length)) return false;
     frame.SetLength(length);

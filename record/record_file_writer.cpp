@@ -79,9 +79,7 @@ std::uint64_t RecordFile::SettleNewest() {
     for (std::uint32_t k = 0; k < newest.count; ++k) {
         const IndexEntry& entry = writeChunk.entries[k];
         if (!ring.Holds(entry.pos)) continue;
-        std::uint64_t offset = ring.Distance(newest.self, entry.pos);
-        if (offset == 0)
-            offset = ring.Size();  // an empty record behind a chunk that fills the ring
+        const std::uint64_t offset = ring.DistanceBehind(newest.self, entry.pos);
         if (offset < kChunkBlockSize || offset > room || entry.length > room - offset) continue;
         used = std::max(used, offset + entry.length);
         kept = k + 1;
@@ -158,8 +156,7 @@ void RecordFile::CloseWriter() {
 
 // Bytes that can be written before they would reach the newest chunk's own index block.
 std::uint64_t RecordFile::RoomBeforeOwnBlock() {
-    const std::uint64_t used = ring.Distance(writeChunk.header.self, Tell());
-    return used == 0 ? 0 : ring.Size() - used;
+    return ring.Size() - ring.DistanceBehind(writeChunk.header.self, Tell());
 }
 
 // Sees to it that length bytes can be written at the position without the newest chunk overrunning

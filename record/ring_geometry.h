@@ -37,6 +37,19 @@ public:
         return target >= start ? target - start : Size() - (start - target);
     }
 
+    // The same to something that lies behind the block at from, and so can't be where it begins:
+    // the same place is a whole turn away. 1..Size().
+    constexpr std::uint64_t DistanceBehind(std::uint64_t from, std::uint64_t to) const {
+        const std::uint64_t distance = Distance(from, to);
+        return distance == 0 ? Size() : distance;
+    }
+
+    // Whether length bytes at a held position end before they run on into the block at head, which
+    // they lie behind.
+    constexpr bool Fits(std::uint64_t head, std::uint64_t position, std::uint64_t length) const {
+        return length <= Size() - DistanceBehind(head, position);
+    }
+
     // The position length bytes behind a held one, length being at most Size(). The ring's end is
     // not passed on to its start, as in RingFile::Seek.
     constexpr std::uint64_t Advance(std::uint64_t position, std::uint64_t length) const {

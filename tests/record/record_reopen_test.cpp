@@ -219,29 +219,88 @@ TEST_F(RecordReopen, AForeignFileIsReplacedOnlyByCreateNew) {
     EXPECT_EQ(Size(), kSmallestRing);
 }
 
-TEST_F(RecordReopen, ATruncatedFileGivesNoWrongRecords) {
-    for (std::uint64_t size = 24 + kChunkOf10 + kBlock + 95; size > 0;
-         size -= size < 200 ? 1 : 97) {
-        nextId = 0;
-        ASSERT_TRUE(Create(kMiB) && AppendMany(610, 10));
+// Cuts a file of records of 10 bytes, byte by byte near its end and near the ends of its blocks.
+class RecordCut : public RecordReopen {
+protected:
+    void Make(std::uint64_t maxSize, int records) {
+        ASSERT_TRUE(Create(maxSize) && AppendMany(records, 10));
         Close();
-        Cut(size);
-        if (Read()) {
-            const FramePtr frame = pool.Acquire();
-            ASSERT_EQ(file->RecordCount(), 610U);
-            for (std::uint32_t id = 0; id < 610; ++id) {
-                ASSERT_TRUE(file->SeekTo(id));
-                const bool whole = id < 600 || 24 + kChunkOf10 + kBlock + (id - 599) * 10 <= size;
-                ASSERT_EQ(file->ReadRecord(*frame), whole) << size << ' ' << id;
-                ASSERT_TRUE(!whole || Holds(*frame, {id, 10}));
-            }
+        ASSERT_TRUE(Read());
+        count = file->RecordCount();
+        first = nextId - count;
+        file->CloseReader();
+        good = ReadWholeFile(path);
+    }
+    // Every record that is read is the right one; returns how many are, 0 for a refused file.
+    std::uint32_t Readable() {
+        if (!Read()) return 0;
+        EXPECT_EQ(file->RecordCount(), count);
+        std::uint32_t readable = 0;
+        const FramePtr frame = pool.Acquire();
+        for (std::uint32_t k = 0; k < count; ++k) {
+            if (!file->SeekTo(k) || !file->ReadRecord(*frame)) continue;
+            EXPECT_TRUE(Holds(*frame, {first + k, 10})) << "record " << k;
+            ++readable;
         }
-        if (Reopen(kMiB)) {
-            const std::uint32_t kept = 600 + Chunk(24 + kChunkOf10).count;
-            ASSERT_EQ(kept, 610U) << "written back by the close only";
+        file->CloseReader();
+        return readable;
+    }
+    std::vector<std::uint64_t> Sizes() const {
+        std::vector<std::uint64_t> sizes;
+        for (std::uint64_t size = good.size(); size > 0;
+             size -= size + 120 > good.size() || size < 200 ? 1 : 97) {
+            sizes.push_back(size);
+        }
+        return sizes;
+    }
+
+    std::string good;
+    std::uint32_t count = 0;
+    std::uint32_t first = 0;
+};
+
+TEST_F(RecordCut, AFileGivesAllRecordsBeforeTheCutAndGoesOn) {
+    for (const int records : {50, 610}) {
+        nextId = 0;
+        ASSERT_NO_FATAL_FAILURE(Make(kMiB, records));
+        const std::uint64_t newest = records > 600 ? 24 + kChunkOf10 : 24;
+        const std::uint32_t before = records > 600 ? 600 : 0;
+        for (const std::uint64_t size : Sizes()) {
+            SCOPED_TRACE(size);
+            Restore(good);
+            Cut(size);
+            const bool usable = size >= newest + kBlock;
+            const auto kept =
+                static_cast<std::uint32_t>(before + (usable ? (size - newest - kBlock) / 10 : 0));
+            ASSERT_EQ(Readable(), usable ? kept : 0);
+            ASSERT_EQ(Reopen(kMiB), usable);
+            if (!usable) continue;
+            nextId = kept;
             ASSERT_TRUE(Append(10));
             Close();
-            EXPECT_TRUE(Sound()) << size;
+            ASSERT_TRUE(Sound());
+            ASSERT_TRUE(HoldsRange(0, kept, 10));
+        }
+    }
+}
+
+TEST_F(RecordCut, AWrappedFileGivesNoWrongRecords) {
+    // The ring's end lies within a record in the middle of a chunk, or within the last one of it.
+    for (const std::uint64_t spare : {kBlock + 3005, kBlock + 5999}) {
+        nextId = 0;
+        ASSERT_NO_FATAL_FAILURE(Make(24 + 2 * kChunkOf10 + spare, 2000));
+        ASSERT_NE(Header().head, 24U) << "wrapped";
+        ASSERT_EQ(Readable(), count);
+        for (const std::uint64_t size : Sizes()) {
+            SCOPED_TRACE(size);
+            Restore(good);
+            Cut(size);
+            const std::uint32_t readable = Readable();
+            if (size == good.size()) continue;
+            ASSERT_LT(readable, count);
+            if (good.size() - size < 100) {
+                ASSERT_GT(readable, count - 15);
+            }
         }
     }
 }

@@ -105,6 +105,15 @@ TEST_F(RecordTool, ExtractWritesAPicture) {
     EXPECT_EQ(ReadWholeFile(path), before) << "never onto the record file itself";
 }
 
+TEST_F(RecordTool, ExtractsNoRecordThatWasCutOff) {
+    MakePictures(5, 1048576);
+    for (const std::uint64_t missing : {0U, 1U, 99U, 100U}) {
+        Cut(24 + kBlock + 500 - missing);
+        EXPECT_EQ(Run({"extract", path, "4", "last.jpg"}), missing == 0 ? 0 : 1) << missing;
+        EXPECT_EQ(Run({"extract", path, "3", "other.jpg"}), 0);
+    }
+}
+
 TEST_F(RecordTool, SaysWhyAFileCannotBeHad) {
     EXPECT_EQ(Run({"info", "none.dbt"}), 2);
     EXPECT_EQ(err, "none.dbt: no such file\n");

@@ -237,8 +237,7 @@ int RecordTool::Extract() {
     });
     if (!found) return Fail(kRecordToolDamaged, "no record " + digits);
     const RingGeometry& ring = scan.Ring();
-    if (!ring.Holds(found->pos) || found->length > ring.Size() ||
-        ring.Distance(scan.Header().head, found->pos) + found->length > ring.Size()) {
+    if (!ring.Holds(found->pos) || !ring.Fits(scan.Header().head, found->pos, found->length)) {
         return Fail(kRecordToolDamaged, "record " + digits + " isn't whole in the file");
     }
 
