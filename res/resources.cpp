@@ -2,7 +2,6 @@
 
 #include "res/resource_ids.h"
 
-#include <QIconEngine>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -15,6 +14,10 @@ static void RegisterResources() {
 
 namespace marvolen {
 namespace {
+
+// Sizes in device-independent pixels, and the device pixel ratios at which they are drawn.
+constexpr std::array kIconEdges = {16, 20, 24, 32, 48, 64, 128, 256};
+constexpr std::array<qreal, 3> kIconRatios = {1, 2, 3};
 
 QString ImageFile(int id) {
     switch (id) {
@@ -44,6 +47,15 @@ QPixmap Draw(const QString& file, QSize size, qreal devicePixelRatio) {
     return pixmap;
 }
 
+// The shape in one colour.
+QPixmap Tinted(QPixmap shape, const QColor& colour) {
+    if (shape.isNull()) return shape;
+    QPainter painter(&shape);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(QRectF(QPointF(0, 0), shape.deviceIndependentSize()), colour);
+    return shape;
+}
+
 }  // namespace
 
 QString LoadString(int id) {
@@ -70,8 +82,24 @@ QPixmap LoadStatusMark(int mark, QSize size, qreal devicePixelRatio) {
 
 QIcon LoadIcon(int id) {
     QIcon icon;
-    for (const int edge : {16, 20, 24, 32, 48, 64, 128, 256}) {
-        icon.addPixmap(LoadImage(id, QSize(edge, edge), 1.0));
+    for (const qreal ratio : kIconRatios) {
+        for (const int edge : kIconEdges) {
+            icon.addPixmap(LoadImage(id, QSize(edge, edge), ratio));
+        }
+    }
+    return icon;
+}
+
+QIcon LoadTintedIcon(int id, const QPalette& palette) {
+    const QColor enabled = palette.color(QPalette::Active, QPalette::ButtonText);
+    const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
+    QIcon icon;
+    for (const qreal ratio : kIconRatios) {
+        for (const int edge : kIconEdges) {
+            const QPixmap shape = LoadImage(id, QSize(edge, edge), ratio);
+            icon.addPixmap(Tinted(shape, enabled), QIcon::Normal);
+            icon.addPixmap(Tinted(shape, disabled), QIcon::Disabled);
+        }
     }
     return icon;
 }

@@ -4,6 +4,7 @@
 // Interface thread only.
 
 #include <QIcon>
+#include <QPalette>
 #include <QPixmap>
 #include <QSize>
 #include <QString>
@@ -19,8 +20,12 @@ QString LoadString(int id);
 QPixmap LoadImage(int id, QSize size, qreal devicePixelRatio);
 QPixmap LoadStatusMark(int mark, QSize size, qreal devicePixelRatio);
 
-// The icon of an id, sharp at every size.
+// The icon of an id in its own colours, sharp at every size and device pixel ratio.
 QIcon LoadIcon(int id);
+
+// The icon of an id, its shape filled with the palette's ButtonText: of the active group, and of
+// the disabled one where the icon is disabled. Follows no change of the palette; load it anew then.
+QIcon LoadTintedIcon(int id, const QPalette& palette);
 
 // Size of a status mark, device-independent pixels.
 inline constexpr QSize kStatusMarkSize(32, 21);
