@@ -13,10 +13,14 @@ bool MarkedFile::Write(const void* buf, std::uint32_t n, std::uint32_t* put) {
         // Only a mark that moves forward is looked at again, so this ends whatever OnMark does.
         std::uint64_t previous = 0;
         bool first = true;
+        writeRefused = false;
         while (pos <= mark && pos + n > mark && (first || mark > previous)) {
             previous = mark;
             first = false;
             OnMark();
+            if (!writeRefused) continue;
+            if (put != nullptr) *put = 0;
+            return false;
         }
     }
     return LimitedFile::Write(buf, n, put);

@@ -26,9 +26,12 @@ public:
 
 protected:
     virtual void OnMark();
+    // For OnMark: the write that is about to cover the mark fails instead, with nothing moved.
+    void RefuseWrite() { writeRefused = true; }
 
 private:
     bool watchOn = false;
+    bool writeRefused = false;
     std::uint64_t mark = 0;  // meaningful once set
 };
 

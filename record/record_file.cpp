@@ -58,7 +58,8 @@ bool RecordFile::ReadChunkHeader(ChunkHeader& destination) {
 
 bool RecordFile::ReadChunk(std::uint64_t pos, ChunkBlock& destination) {
     if (!ring.Holds(pos) || !Seek(pos) || !ReadAll(&destination, sizeof destination)) return false;
-    const ChunkHeader& read = destination.header;
+    ChunkHeader& read = destination.header;
+    read.next = SuccessorOf(read, pos, ring);
     return read.magic == kChunkMagic && read.self == pos && read.count <= kChunkEntries;
 }
 
@@ -77,12 +78,13 @@ bool RecordFile::ReadChain(std::vector<std::uint64_t>& chain) {
         ChunkHeader chunk;
         if (!Seek(pos) || !ReadChunkHeader(chunk)) return false;
         chain.push_back(pos);
-        if (chunk.next == 0) return true;
-        if (!ring.Holds(chunk.next)) return false;
-        const std::uint64_t step = ring.Distance(pos, chunk.next);
+        const std::uint64_t next = SuccessorOf(chunk, pos, ring);
+        if (next == 0) return true;
+        if (!ring.Holds(next)) return false;
+        const std::uint64_t step = ring.Distance(pos, next);
         if (step < kChunkBlockSize) return false;
         offset += step;
-        pos = chunk.next;
+        pos = next;
     }
     return false;
 }

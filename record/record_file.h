@@ -80,7 +80,7 @@ public:
     void CloseReader();
 
 protected:
-    // Gives up the oldest chunk.
+    // Gives up the oldest chunk. Refuses the write when the file can't be told so.
     void OnHeadReached() override;
 
 private:
@@ -90,6 +90,7 @@ private:
     void InitChunk(std::uint64_t pos, std::uint64_t prev);
     bool FlushChunk();
     bool FlushChunkUnwatched();
+    bool WriteHeaderInPieces();
     bool WriteInBlock(std::uint32_t offset, std::uint32_t n);
     bool ReadChunkHeader(ChunkHeader& destination);
     bool ReadChunk(std::uint64_t pos, ChunkBlock& destination);
@@ -114,7 +115,7 @@ private:
     bool StartChunk(Former former);
     std::uint64_t SuccessorOfHead();
     bool IsBehindHead(std::uint64_t pos);
-    void GiveUpTo(std::uint64_t newHead);
+    bool GiveUpTo(std::uint64_t newHead);
 
     ChunkBlock writeChunk{};       // the newest chunk, as it is to lie in the file
     bool writeChunkDirty = false;  // differs from the file

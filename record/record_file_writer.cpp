@@ -179,15 +179,15 @@ bool RecordFile::StartChunk(Former former) {
     writeChunk.header.next = start;
     bool done = WriteAll(&fresh, sizeof fresh);
     const bool formerRemains = GetHead() != start;
-    if (formerRemains && done && former == Former::kGivenUp) GiveUpTo(start);
+    if (formerRemains && done && former == Former::kGivenUp) done = GiveUpTo(start);
     if (formerRemains && former == Former::kLinked) {
         writeChunkDirty = true;
         done = done && FlushChunkUnwatched();
     }
     if (!done && formerRemains) {
         writeChunk.header.next = 0;
-        Seek(start);
-        return false;
+        FlushChunkUnwatched();  // nothing else would make its records known as long as this goes on
+        return Seek(start) && false;
     }
     writeChunk.header = fresh.header;
     writeChunkDirty = !done;
@@ -206,12 +206,26 @@ void RecordFile::InitChunk(std::uint64_t pos, std::uint64_t prev) {
 bool RecordFile::FlushChunk() {
     if (!writeChunkDirty) return true;
     constexpr std::uint32_t kEntriesOffset = offsetof(ChunkBlock, entries);
+    const bool inTwoPieces = HeaderLiesAcrossEnd(RingGeometry(blockEnd), writeChunk.header.self);
     if (!WriteInBlock(kEntriesOffset, kChunkBlockSize - kEntriesOffset) ||
-        !WriteInBlock(0, kEntriesOffset)) {
+        !(inTwoPieces ? WriteHeaderInPieces() : WriteInBlock(0, kEntriesOffset))) {
         return false;
     }
     writeChunkDirty = false;
     return true;
+}
+
+// For a header that lies across the ring's end: its link doesn't count while the chunk isn't full
+// (SuccessorOf). The lower bytes of a count get there before the higher ones, so a smaller count
+// never passes through one that is too large on its way to a larger one.
+bool RecordFile::WriteHeaderInPieces() {
+    constexpr std::uint32_t kCountOffset = offsetof(ChunkHeader, count);
+    constexpr std::uint32_t kRest = sizeof(ChunkHeader) - kCountOffset;
+    const std::uint32_t count = writeChunk.header.count;
+    writeChunk.header.count = std::min(count, kChunkEntries - 1);
+    const bool opened = WriteInBlock(kCountOffset, kRest);
+    writeChunk.header.count = count;
+    return opened && WriteInBlock(0, kCountOffset) && WriteInBlock(kCountOffset, kRest);
 }
 
 // Writes n bytes of writeChunk, from offset on, to their place in the file.
@@ -236,7 +250,7 @@ bool RecordFile::FlushChunkUnwatched() {
 
 void RecordFile::OnHeadReached() {
     // The newest chunk is given up only in favour of one that is about to follow it.
-    if (const std::uint64_t next = SuccessorOfHead(); next != 0) GiveUpTo(next);
+    if (const std::uint64_t next = SuccessorOfHead(); next != 0 && !GiveUpTo(next)) RefuseWrite();
 }
 
 // The chunk after the head, 0 for the newest one. A head that can't be read, or that leads to no
@@ -263,14 +277,17 @@ bool RecordFile::IsBehindHead(std::uint64_t pos) {
     return Seek(pos) && ReadChunkHeader(chunk);
 }
 
-// Moves the head on, in the file too: what lies before it may be overwritten from now on.
-void RecordFile::GiveUpTo(std::uint64_t newHead) {
+// Moves the head on, in the file too: what lies before it may be overwritten from now on. When the
+// file doesn't take the header, the head stays, and nothing may be overwritten.
+bool RecordFile::GiveUpTo(std::uint64_t newHead) {
     const std::uint64_t saved = Tell();
+    const std::uint64_t oldHead = GetHead();
     SetHead(newHead);
     SetWatch(false);
-    WriteHeader();  // stays due if it fails
+    const bool written = WriteHeader();
     SetWatch(true);
-    Seek(saved);
+    if (!written) SetHead(oldHead);
+    return Seek(saved) && written;
 }
 
 }  // namespace marvolen

@@ -51,7 +51,8 @@ protected:
     void OnLimit() override;
     void OnMark() override;
     virtual void MoveMark(std::uint64_t pos);
-    // The next write would cover the head. Leaves the position where it found it.
+    // The next write would cover the head. Leaves the position where it found it. May refuse the
+    // write, see RefuseWrite.
     virtual void OnHeadReached();
 
     // The steps of Create and Open that follow once the file is open.

@@ -25,6 +25,10 @@ public:
 
     bool Write(const void* buf, std::uint32_t n, std::uint32_t* put) override {
         if (stuck) return MovesNothing(put);
+        if ((failsHeader && Tell() == 0) || Tell() + n > fullAt) {
+            *put = 0;
+            return false;
+        }
         const auto allowed = static_cast<std::uint32_t>(std::min<std::uint64_t>(n, room));
         const std::uint64_t position = Tell();
         std::uint32_t written = 0;
@@ -47,7 +51,9 @@ public:
     static constexpr std::uint64_t kEndless = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t room = kEndless;
     bool stuck = false;
-    int readsBeforeFailure = 0;  // 0: reading never fails
+    bool failsHeader = false;
+    std::uint64_t fullAt = kEndless;  // no byte is taken from this position on
+    int readsBeforeFailure = 0;       // 0: reading never fails
     bool keepsTrace = false;
     std::vector<Piece> trace;
 
@@ -100,6 +106,40 @@ TEST_F(RecordFaults, AFullDiskCostsTheFramesThatDoNotFit) {
         EXPECT_TRUE(HoldsExactly(records));
     }
     std::signal(SIGXFSZ, signalBefore);
+}
+
+TEST_F(RecordFaults, AFullChunkIsInTheFileWhileTheNextHasNoRoom) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(600, 10));
+    disk->fullAt = Size() + 6000 + 500;
+    for (int k = 0; k < 3; ++k) EXPECT_FALSE(Append(10));
+    Crash();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(0, 599, 10));
+}
+
+TEST_F(RecordFaults, ChunksThatTheHeaderStillNamesAreNotOverwritten) {
+    const std::uint64_t maxSize = 24 + 2 * (kBlock + 6000) + kBlock + 100;
+    ASSERT_TRUE(Create(maxSize) && AppendMany(1210, 10));
+    ASSERT_EQ(Header().head, 24U);
+    disk->failsHeader = true;
+    for (int k = 0; k < 3; ++k) EXPECT_FALSE(Append(10));
+    EXPECT_EQ(Chunk(24).magic, kChunkMagic);
+    disk->failsHeader = false;
+    ASSERT_TRUE(Append(10)) << "as soon as the header can be written";
+    EXPECT_NE(Header().head, 24U);
+    Crash();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(600, 1199, 10));
+
+    ASSERT_TRUE(Create(24 + kBlock + 1000) && Append(600));
+    Close();
+    ASSERT_TRUE(Reopen(24 + kBlock + 1000));
+    disk->failsHeader = true;
+    EXPECT_FALSE(Append(500)) << "would take the place of its own chunk";
+    EXPECT_EQ(Chunk(24).magic, kChunkMagic);
+    Crash();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsExactly({{nextId - 2, 600}}));
 }
 
 TEST_F(RecordFaults, AWriteThatMovesNothingFailsInTheEnd) {
@@ -228,8 +268,8 @@ protected:
         int sinceCheck = 0;
         for (const FaultyRecordFile::Piece& piece : trace) {
             image.resize(std::max<std::size_t>(image.size(), piece.position + piece.bytes.size()));
-            const bool record = piece.bytes.size() == kLength;
-            const std::size_t step = record ? 2 : piece.bytes.size() < 100 ? 100 : 3001;
+            const bool record = piece.bytes.size() == length;
+            const std::size_t step = record ? length / 2 : piece.bytes.size() < 100 ? 100 : 3001;
             for (std::size_t from = 0; from < piece.bytes.size(); from += step) {
                 const std::size_t n = std::min(step, piece.bytes.size() - from);
                 image.replace(piece.position + from, n, piece.bytes, from, n);
@@ -251,17 +291,17 @@ protected:
         Renew();
         disk->keepsTrace = true;
         EXPECT_TRUE(file->CreateNew(path, maxSize));
-        EXPECT_TRUE(AppendMany(records, kLength));
+        EXPECT_TRUE(AppendMany(records, length));
         Close();
         return disk->trace;
     }
 
-    static constexpr std::uint32_t kLength = 5;
+    std::uint32_t length = 5;  // of a record; no other write may be as short or long
 };
 
 TEST_F(RecordCrash, CostsTheNewestChunkAtMost) {
-    constexpr std::uint64_t kChunk = kBlock + 600 * kLength;
-    const std::uint64_t maxSize = 24 + 3 * kChunk + kChunk / 2 + 1;
+    const std::uint64_t chunk = kBlock + 600 * length;
+    const std::uint64_t maxSize = 24 + 3 * chunk + chunk / 2 + 1;
     const auto trace = Trace(maxSize, 6 * 600 + 100);
     Replay(trace, [&](std::uint32_t appended) {
         const std::uint32_t flushed = appended == 0 ? 0 : (appended - 1) / 600 * 600;
@@ -271,17 +311,53 @@ TEST_F(RecordCrash, CostsTheNewestChunkAtMost) {
         const std::uint32_t count = file->RecordCount();
         ASSERT_TRUE(file->SeekTo(count - 1));
         std::uint32_t newest = flushed - 1;
-        if (appended == 3700 && Shows(3699, kLength)) newest = 3699;  // the closing flush
-        if (newest != 3699 && Shows(flushed + 599, kLength)) newest = flushed + 599;
+        if (appended == 3700 && Shows(3699, length)) newest = 3699;  // the closing flush
+        if (newest != 3699 && Shows(flushed + 599, length)) newest = flushed + 599;
         ASSERT_GE(count, 600U);
-        ASSERT_TRUE(HoldsRange(newest + 1 - count, newest, kLength));
+        ASSERT_TRUE(HoldsRange(newest + 1 - count, newest, length));
         nextId = newest + 1;
-        ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, kLength));
+        ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, length));
         Close();
         ASSERT_TRUE(Sound());
         ASSERT_TRUE(Read() && file->SeekTo(file->RecordCount() - 1));
-        ASSERT_TRUE(Shows(newest + 3, kLength));
+        ASSERT_TRUE(Shows(newest + 3, length));
     });
+}
+
+// The fourth chunk's header lies across the end, so it is linked to the fifth in two pieces; in the
+// second round it was full in the file before that.
+TEST_F(RecordCrash, WithinALinkInTwoPiecesCostsNoFile) {
+    length = 45;
+    const std::uint64_t threeChunks = 3 * (kBlock + 600 * length);
+    for (std::uint64_t beforeEnd = 1; beforeEnd <= 40; ++beforeEnd) {
+        SCOPED_TRACE(beforeEnd);
+        const std::uint64_t maxSize = 24 + threeChunks + beforeEnd;
+        for (const int session : {2900, 2400}) {
+            nextId = 0;
+            auto trace = Trace(maxSize, session);
+            if (session == 2400) {
+                ASSERT_TRUE(Reopen(maxSize));
+                disk->keepsTrace = true;
+                ASSERT_TRUE(AppendMany(500, length));
+                Close();
+                trace.insert(trace.end(), disk->trace.begin(), disk->trace.end());
+            }
+            Replay(trace, [&](std::uint32_t appended) {
+                if (appended < 2400) return;
+                ASSERT_TRUE(Sound());
+                ASSERT_TRUE(Read());
+                const std::uint32_t count = file->RecordCount();
+                ASSERT_TRUE(file->SeekTo(count - 1));
+                std::uint32_t newest = session == 2400 && appended > 2400 ? 2398 : 1799;
+                while (newest < 2900 && !Shows(newest, length)) ++newest;
+                ASSERT_TRUE(HoldsRange(newest + 1 - count, newest, length));
+                nextId = newest + 1;
+                ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, length));
+                Close();
+                ASSERT_TRUE(Sound());
+            });
+        }
+    }
 }
 
 TEST_F(RecordCrash, InARingOfLessThanAChunkLeavesAFileToGoOnWith) {
@@ -293,7 +369,7 @@ TEST_F(RecordCrash, InARingOfLessThanAChunkLeavesAFileToGoOnWith) {
         const bool kept = Reopen(maxSize);
         ASSERT_EQ(kept, sound);
         ASSERT_TRUE(kept || Create(maxSize));
-        ASSERT_TRUE(Append(kLength));
+        ASSERT_TRUE(Append(length));
         Close();
         ASSERT_TRUE(Sound());
         readable += kept ? 1 : 0;
