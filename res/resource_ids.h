@@ -1,14 +1,8 @@
 #pragma once
 
-// Ids of dialogs, controls, commands and images. Controls carry their id as object name.
+// Ids of controls, commands, texts and images. Controls carry their id as object name.
 
 namespace marvolen {
-
-// Dialogs.
-inline constexpr int IDD_ABOUT = 100;
-inline constexpr int IDD_MAIN = 102;
-inline constexpr int IDD_POPUP_INFO = 146;
-inline constexpr int IDD_CONTROL_PANEL = 148;
 
 // Strings.
 inline constexpr int IDS_ABOUT_MENU = 101;
@@ -16,10 +10,11 @@ inline constexpr int IDS_SOCKETS_FAILED = 103;
 
 // Images.
 inline constexpr int IDR_MAIN_ICON = 128;
-inline constexpr int IDB_STATUS_MARKS = 137;
 inline constexpr int IDB_LOGO = 139;
 inline constexpr int IDI_NEXT_PAGE = 144;
 inline constexpr int IDI_PREVIOUS_PAGE = 145;
+inline constexpr int IDC_DROP_CURSOR = 149;   // dragging a tab onto another
+inline constexpr int IDC_CLEAR_CURSOR = 150;  // dragging a tab where dropping it clears
 
 // System menu command, compared with its low four bits masked off.
 inline constexpr int SC_ABOUT = 0x10;

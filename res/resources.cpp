@@ -29,6 +29,10 @@ QString ImageFile(int id) {
             return QStringLiteral(":/next_page.svg");
         case IDI_PREVIOUS_PAGE:
             return QStringLiteral(":/previous_page.svg");
+        case IDC_DROP_CURSOR:
+            return QStringLiteral(":/drop_cursor.svg");
+        case IDC_CLEAR_CURSOR:
+            return QStringLiteral(":/clear_cursor.svg");
         default:
             return QString();
     }
