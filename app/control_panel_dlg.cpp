@@ -64,7 +64,7 @@ void CLogoBox::paintEvent(QPaintEvent*) {
 void CLogoBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
         event->key() == Qt::Key_Enter) {
-        NotifyParent(STN_CLICKED);
+        if (!event->isAutoRepeat()) NotifyParent(STN_CLICKED);
     } else {
         CStatic::keyPressEvent(event);
     }
@@ -178,6 +178,11 @@ QGroupBox* CControlPanelDlg::MakePageGroup() {
             MakeButton(description.id, text, QStringLiteral("Show %1 channels").arg(text));
         button->setCheckable(true);
         button->setAutoExclusive(true);
+        // The Tab key leads to the checked one, the arrow keys from there to the others.
+        button->setFocusPolicy(Qt::ClickFocus);
+        connect(button, &QPushButton::toggled, button, [button](bool checked) {
+            button->setFocusPolicy(checked ? Qt::StrongFocus : Qt::ClickFocus);
+        });
         viewButtons[k] = button;
         views->addWidget(button);
     }
@@ -193,8 +198,16 @@ QGroupBox* CControlPanelDlg::MakePageGroup() {
 }
 
 void CControlPanelDlg::LoadPageIcons() {
-    nextPage->setIcon(LoadIcon(IDI_NEXT_PAGE));
-    previousPage->setIcon(LoadIcon(IDI_PREVIOUS_PAGE));
+    nextPage->setIcon(LoadTintedIcon(IDI_NEXT_PAGE, palette()));
+    previousPage->setIcon(LoadTintedIcon(IDI_PREVIOUS_PAGE, palette()));
+    const int edge = fontMetrics().height();
+    for (QPushButton* button : {nextPage, previousPage}) button->setIconSize(QSize(edge, edge));
+}
+
+void CControlPanelDlg::changeEvent(QEvent* event) {
+    CDialog::changeEvent(event);
+    const QEvent::Type type = event->type();
+    if (type == QEvent::PaletteChange || type == QEvent::FontChange) LoadPageIcons();
 }
 
 ViewMode CControlPanelDlg::GetViewMode() const {
@@ -211,6 +224,9 @@ void CControlPanelDlg::CheckViewButton(ViewMode view) {
 }
 
 void CControlPanelDlg::ShowPaging(const Paging& paging) {
+    // A focused button that is disabled would give the focus to whatever comes next.
+    if (nextPage->hasFocus() && !paging.HasNext()) previousPage->setFocus();
+    if (previousPage->hasFocus() && !paging.HasPrevious()) nextPage->setFocus();
     previousPage->setEnabled(paging.HasPrevious());
     nextPage->setEnabled(paging.HasNext());
     pageText->setText(QString::fromStdString(paging.Text()));

@@ -38,7 +38,7 @@ public:
     // A child of the main window, which receives its commands.
     explicit CControlPanelDlg(CDialog* mainWindow);
 
-    // Puts the arrows on "P" and "N".
+    // Puts the arrows on "P" and "N", in the colours and size of the buttons' texts.
     void LoadPageIcons();
 
     // The view whose button is checked.
@@ -66,6 +66,7 @@ protected:
     void OnCommand(WPARAM wParam, LPARAM lParam) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     QGroupBox* MakeRecordingGroup();

@@ -6,8 +6,11 @@
 #include "res/resource_ids.h"
 #include "res/resources.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScreen>
+
+#include <algorithm>
 
 namespace marvolen {
 namespace {
@@ -79,7 +82,15 @@ void CMarvolenDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
     CDialog::OnCommand(wParam, lParam);
 }
 
+// Whether a dialog is open over this window. Commands posted before it opened may still arrive.
+bool CMarvolenDlg::IsCovered() const {
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal && modal != this;
+}
+
 void CMarvolenDlg::OnPanelCommand(int id) {
+    const bool opensOrEnds = id == IDC_LOGO || id == IDC_LOG_SAVE || id == IDC_EXIT;
+    if (opensOrEnds && IsCovered()) return;
     switch (id) {
         case IDC_RECORD_TOGGLE:
             return ToggleRecording();
@@ -104,10 +115,7 @@ void CMarvolenDlg::OnPanelCommand(int id) {
         case IDC_VIEW_16:
             return ChooseView(ViewMode::Sixteen);
         case IDC_ENABLE_POPUP:
-            if (controlPanel->IsPopupEnabled()) return;
-            // Nothing would hide it any more.
-            for (VideoPane* pane : panes) pane->HidePopup();
-            popupPane = -1;
+            if (!controlPanel->IsPopupEnabled()) HidePopups();
             return;
         case IDC_EXIT:
             return EndDialog(IDOK);
@@ -117,7 +125,7 @@ void CMarvolenDlg::OnPanelCommand(int id) {
 }
 
 void CMarvolenDlg::OnSysCommand(int command) {
-    if (command == SC_ABOUT) ShowAbout();
+    if (command == SC_ABOUT && !IsCovered()) ShowAbout();
 }
 
 void CMarvolenDlg::ShowAbout() {
@@ -143,6 +151,12 @@ void CMarvolenDlg::OnPopupPane(int pane) {
         if (each->index != pane) each->HidePopup();
     }
     if (pane >= 0 && pane < kChannelCount) Pane(pane).ShowPopup();
+}
+
+// At once, whether or not pop-ups are enabled: when nothing else would hide one any more.
+void CMarvolenDlg::HidePopups() {
+    for (VideoPane* pane : panes) pane->HidePopup();
+    popupPane = -1;
 }
 
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
@@ -177,7 +191,7 @@ void CMarvolenDlg::ChooseView(ViewMode view) {
     paging = PagingOf(view, currentChannel);
     UpdatePaging();
     LayoutView();
-    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);  // its pane may be hidden now
+    HidePopups();  // its pane may be hidden now
 }
 
 void CMarvolenDlg::TurnPage(int step) {
@@ -185,7 +199,7 @@ void CMarvolenDlg::TurnPage(int step) {
     UpdatePaging();
     if (GetViewMode() == ViewMode::Sixteen) return;
     LayoutView();
-    PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+    HidePopups();
 }
 
 void CMarvolenDlg::UpdatePaging() {
@@ -206,20 +220,15 @@ void CMarvolenDlg::leaveEvent(QEvent* event) {
 }
 
 void CMarvolenDlg::keyPressEvent(QKeyEvent* event) {
-    int neighbour = -1;
     switch (event->key()) {
         case Qt::Key_Left:
-            neighbour = NeighbourPane(GetViewMode(), currentChannel, -1, 0);
-            break;
+            return SelectNeighbour(-1, 0);
         case Qt::Key_Right:
-            neighbour = NeighbourPane(GetViewMode(), currentChannel, +1, 0);
-            break;
+            return SelectNeighbour(+1, 0);
         case Qt::Key_Up:
-            neighbour = NeighbourPane(GetViewMode(), currentChannel, 0, -1);
-            break;
+            return SelectNeighbour(0, -1);
         case Qt::Key_Down:
-            neighbour = NeighbourPane(GetViewMode(), currentChannel, 0, +1);
-            break;
+            return SelectNeighbour(0, +1);
         case Qt::Key_PageUp:
             return TurnPage(-1);
         case Qt::Key_PageDown:
@@ -227,7 +236,17 @@ void CMarvolenDlg::keyPressEvent(QKeyEvent* event) {
         default:
             return CDialog::keyPressEvent(event);
     }
-    if (neighbour >= 0 && Pane(neighbour).isVisible()) SelectPane(Pane(neighbour));
+}
+
+// From a selected pane that another page hides, to the first pane of the page that is shown.
+void CMarvolenDlg::SelectNeighbour(int columns, int rows) {
+    int next = NeighbourPane(GetViewMode(), currentChannel, columns, rows);
+    if (!Pane(currentChannel).isVisible()) {
+        const auto shown = std::find_if(panes.begin(), panes.end(),
+                                        [](const VideoPane* pane) { return pane->isVisible(); });
+        next = shown == panes.end() ? -1 : (*shown)->index;
+    }
+    if (next >= 0) SelectPane(Pane(next));
 }
 
 }  // namespace marvolen

@@ -92,6 +92,8 @@ private:
     void OnWatchdog();
     void OnPanelCommand(int id);
     void OnPopupPane(int pane);
+    void HidePopups();
+    bool IsCovered() const;
 
     void ToggleRecording();
     void SetAllRecording(bool on);
@@ -99,7 +101,9 @@ private:
 
     void ChooseView(ViewMode view);
     void TurnPage(int step);
+    void SelectNeighbour(int columns, int rows);
     void LayoutView();
+    void SettleFocus(bool paneHadFocus);
     void PlacePane(VideoPane& pane, const PaneRect& rect);
     PaneRect PaneArea() const;
     void ResizeToScreen();

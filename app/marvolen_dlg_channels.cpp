@@ -43,6 +43,8 @@ void CMarvolenDlg::StopAllChannels(CloseFlag flag) {
 void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
     // By position, not by the stored channelIndex, which a damaged settings file may have spoilt.
     const int k = ChannelNumber(&info) - 1;
+    // Posted by a connection that has been closed since: it must not open the channel again.
+    if (!Recorder(k).IsOpen()) return;
     if (code == NETEVENT_CONNECT) {
         Pane(k).SetStatus(PANE_CONNECTED, 0);
         messageLog->AddLogEntry(&info, "Network connect.");

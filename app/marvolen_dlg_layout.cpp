@@ -21,23 +21,33 @@ void CMarvolenDlg::resizeEvent(QResizeEvent* event) {
     LayoutView();
 }
 
-// Another font or style may want another panel.
 void CMarvolenDlg::changeEvent(QEvent* event) {
     CDialog::changeEvent(event);
-    const bool fits = event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange;
-    if (fits || !controlPanel || !messageLog) return;
-    FitPanel();
-    LayoutPanel();
-    LayoutView();
+    if (!controlPanel || !messageLog) return;
+    switch (event->type()) {
+        case QEvent::FontChange:         // may want another panel
+        case QEvent::StyleChange:        // likewise
+        case QEvent::WindowStateChange:  // was perhaps resized while minimised
+            if (isMinimized()) return;
+            LayoutPanel();
+            LayoutView();
+            return;
+        case QEvent::ActivationChange:
+            if (!isActiveWindow()) HidePopups();
+            return;
+        default:
+            return;
+    }
 }
 
 void CMarvolenDlg::FitPanel() {
-    const QSize size = controlPanel->PanelSize(height());
-    controlPanel->resize(size);
-    setMinimumSize(size.width() + kSmallestPaneArea, size.height());
+    controlPanel->resize(controlPanel->PanelSize(height()));
+    setMinimumSize(controlPanel->width() + kSmallestPaneArea,
+                   controlPanel->minimumSizeHint().height());
 }
 
 void CMarvolenDlg::LayoutPanel() {
+    FitPanel();
     const int left = PanelLeft(width(), controlPanel->width());
     controlPanel->move(left, controlPanel->y());
     paneFrame->setGeometry(0, 0, left, height());
@@ -54,16 +64,31 @@ void CMarvolenDlg::PlacePane(VideoPane& pane, const PaneRect& rect) {
 }
 
 void CMarvolenDlg::LayoutView() {
+    // Of its own the toolkit gives the focus of a pane that is hidden to the next control, "Start".
+    const bool paneHadFocus = hasFocus() || Pane(currentChannel).hasFocus();
+    if (paneHadFocus) setFocus();
     switch (GetViewMode()) {
         case ViewMode::One:
-            return Layout1(paging.currentPage - 1);
+            Layout1(paging.currentPage - 1);
+            break;
         case ViewMode::Four:
-            return Layout4(paging.currentPage);
+            Layout4(paging.currentPage);
+            break;
         case ViewMode::Sixteen:
-            return Layout16();
+            Layout16();
+            break;
         case ViewMode::None:
-            return;
+            break;
     }
+    SettleFocus(paneHadFocus);
+}
+
+// The window itself stands in for the selected pane while a page hides it.
+void CMarvolenDlg::SettleFocus(bool paneHadFocus) {
+    VideoPane& selected = Pane(currentChannel);
+    const bool hidden = selected.isHidden();
+    setFocusPolicy(hidden ? Qt::TabFocus : Qt::NoFocus);
+    if (paneHadFocus && !hidden) selected.setFocus();
 }
 
 void CMarvolenDlg::Layout1(int k) {

@@ -109,7 +109,7 @@ void CDialog::ShowSystemMenu(const QPoint& globalPosition) {
 
 void CDialog::contextMenuEvent(QContextMenuEvent* event) {
     if (systemMenu.empty()) {
-        QDialog::contextMenuEvent(event);
+        event->ignore();  // the window around this one may have a menu
     } else {
         ShowSystemMenu(event->globalPos());
     }
@@ -119,7 +119,7 @@ void CDialog::keyPressEvent(QKeyEvent* event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     auto* button = qobject_cast<QAbstractButton*>(focusWidget());
     if (enter && button && button->isEnabled()) {
-        button->click();
+        if (!event->isAutoRepeat()) button->click();
     } else {
         QDialog::keyPressEvent(event);
     }
