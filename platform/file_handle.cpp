@@ -41,6 +41,24 @@ bool FileHandle::Fail(FileOpenError error) {
 }
 
 bool FileHandle::OpenDescriptor(const std::string& path, int flags, Hold hold) {
+    constexpr int kAttempts = 10;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        if (!HoldDescriptor(path, flags, hold)) return false;
+        // Between the open and the hold the file may have been deleted or replaced. What would then
+        // be written to it nobody could find.
+        if (IsAt(path)) return true;
+    }
+    return Fail(FileOpenError::kInUse);
+}
+
+bool FileHandle::IsAt(const std::string& path) const {
+    struct stat held {};
+    struct stat named {};
+    return fstat(descriptor, &held) == 0 && stat(path.c_str(), &named) == 0 &&
+           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+bool FileHandle::HoldDescriptor(const std::string& path, int flags, Hold hold) {
     Close();
     openError = FileOpenError::kNone;
     do {

@@ -6,7 +6,9 @@
 // Create, Open and OpenShared of the same file fails, in other programs and in this one, under
 // whatever name the file is reached. The hold is an advisory lock (flock) on the file itself;
 // programs that don't ask for it aren't kept out. It ends with Close, and with the process however
-// that ends.
+// that ends. On a network file system it is worth what that system makes of flock: NFS under Linux
+// turns it into a lock on the server; elsewhere other machines may not know of it, or it is
+// refused, and then the open fails.
 //
 // Directories, devices, pipes and sockets are never opened, and no open waits for anything.
 //
@@ -21,7 +23,7 @@ namespace marvolen {
 enum class FileOpenError {
     kNone,         // it didn't
     kMissing,      // no such file or folder
-    kInUse,        // held by another handle
+    kInUse,        // held by another handle, or replaced again and again while being opened
     kNotAFile,     // a directory, device, pipe or socket
     kInaccessible  // anything else: permission, a full disk, a bad path
 };
@@ -33,18 +35,19 @@ public:
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
 
-    // Each opens the file at a native path and sets the position to 0; what this handle held before
-    // is closed first. False leaves the handle closed; OpenError() says why.
+    // Each opens the file at a native path and sets the position to 0; what this handle held
+    // before is closed first. False leaves the handle closed; OpenError() says why.
     //
-    // Create makes the file, or empties an existing one. A file held elsewhere keeps its bytes: it
-    // is emptied only once it is held.
+    // Create makes the file, or empties an existing one. A file held elsewhere keeps its bytes:
+    // it is emptied only once it is held.
     bool Create(const std::string& path);
     // Open opens an existing file for reading and writing.
     bool Open(const std::string& path);
-    // OpenOrMake opens an existing file for reading and writing as it is, or makes an empty one.
+    // OpenOrMake opens an existing file for reading and writing as it is, or makes an empty
+    // one.
     bool OpenOrMake(const std::string& path);
-    // OpenShared opens an existing file for reading only. Several may do so at once; while one of
-    // them has it, nobody gets it exclusively.
+    // OpenShared opens an existing file for reading only. Several may do so at once; while one
+    // of them has it, nobody gets it exclusively.
     bool OpenShared(const std::string& path);
 
     // Ends the hold. Closing a closed handle does nothing.
@@ -54,8 +57,8 @@ public:
     // Of the latest of these four.
     FileOpenError OpenError() const { return openError; }
 
-    // The position, in bytes from the start of the file; it may lie beyond the end. A position that
-    // no file of this system can have is refused, and the position stays.
+    // The position, in bytes from the start of the file; it may lie beyond the end. A position
+    // that no file of this system can have is refused, and the position stays.
     bool Seek(std::uint64_t newPosition);
     std::uint64_t Tell() const { return position; }
 
@@ -63,8 +66,8 @@ public:
     std::uint64_t Size() const;
 
     // Move count bytes from, or to, the file at the position, which advances by what was moved.
-    // moved receives that number on success and failure alike. A read moves less than count, and
-    // succeeds, at the end of the file only. A write that succeeds has moved everything.
+    // moved receives that number on success and failure alike. A read moves less than count,
+    // and succeeds, at the end of the file only. A write that succeeds has moved everything.
     bool Read(void* buffer, std::uint32_t count, std::uint32_t& moved);
     bool Write(const void* buffer, std::uint32_t count, std::uint32_t& moved);
 
@@ -75,6 +78,8 @@ private:
     enum class Hold { kExclusive, kShared };
 
     bool OpenDescriptor(const std::string& path, int flags, Hold hold);
+    bool HoldDescriptor(const std::string& path, int flags, Hold hold);
+    bool IsAt(const std::string& path) const;
     bool Fail(FileOpenError error);
 
     int descriptor = -1;

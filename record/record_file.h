@@ -85,7 +85,7 @@ protected:
 
 private:
     // What becomes of the chunk being written when a new one follows it.
-    enum class Former { kLinked, kGivenUp };
+    enum class Former { kLinked, kDropped };
 
     void InitChunk(std::uint64_t pos, std::uint64_t prev);
     bool FlushChunk();
@@ -105,7 +105,7 @@ private:
     bool GoOn(std::uint64_t newMaxSize);
     RingGeometry StoredRing();
     bool ReadChain(std::vector<std::uint64_t>& chain);
-    std::uint64_t SettleNewest();
+    std::uint64_t DropLostRecords();
     bool AdoptMaxSize(std::uint64_t newMaxSize, const std::vector<std::uint64_t>& chain,
                       std::uint64_t& end);
     bool KeepChunksBelow(std::uint64_t newMaxSize, const std::vector<std::uint64_t>& chain,

@@ -64,14 +64,14 @@ bool RecordFile::GoOn(std::uint64_t newMaxSize) {
     if (GetSize() < sizeof(RingHeader)) transferFailed = true;
     std::vector<std::uint64_t> chain;
     if (!ReadChain(chain) || !ReadChunk(chain.back(), writeChunk)) return false;
-    std::uint64_t end = SettleNewest();
+    std::uint64_t end = DropLostRecords();
     return AdoptMaxSize(newMaxSize, chain, end) && SetLimited(true) && Seek(end);
 }
 
-// Returns where writing goes on: behind the data of the newest chunk, in the ring as it was
-// written. Entries whose data isn't in the file, as after a power failure, are no records; at the
-// end of the index they are dropped, since their place is about to be written to.
-std::uint64_t RecordFile::SettleNewest() {
+// Entries whose data isn't in the file, as after a power failure, are no records. At the end of the
+// newest chunk's index they are dropped, since their place is about to be written to. Returns where
+// that is: behind the remaining data, in the ring as it was written.
+std::uint64_t RecordFile::DropLostRecords() {
     ChunkHeader& newest = writeChunk.header;
     const std::uint64_t room = ring.Size() - ring.Distance(GetHead(), newest.self);
     std::uint64_t used = kChunkBlockSize;
@@ -109,7 +109,9 @@ bool RecordFile::AdoptMaxSize(std::uint64_t newMaxSize, const std::vector<std::u
     return WriteHeader();
 }
 
-// Reduces the chain to the newest run of chunks that lie in one piece below newMaxSize.
+// Reduces the chain to the newest run of chunks that lie in one piece below newMaxSize. A chunk
+// that knows itself by the ring's old end isn't among them, though it lies at the start: no
+// position in the new ring is that one.
 bool RecordFile::KeepChunksBelow(std::uint64_t newMaxSize, const std::vector<std::uint64_t>& chain,
                                  std::uint64_t& end) {
     const auto stays = [&](std::size_t k) {
@@ -125,9 +127,9 @@ bool RecordFile::KeepChunksBelow(std::uint64_t newMaxSize, const std::vector<std
     if (last < chain.size()) {
         if (!ReadChunk(chain[last - 1], writeChunk)) return false;
         writeChunk.header.next = 0;
+        end = std::min(DropLostRecords(), chain[last]);  // a damaged index may name fewer, or more
         writeChunkDirty = true;
         if (!FlushChunk()) return false;
-        end = chain[last];
     }
     return SetHead(chain[first]);
 }
@@ -165,7 +167,7 @@ bool RecordFile::MakeRoom(std::uint32_t length) {
     const ChunkHeader& newest = writeChunk.header;
     if (newest.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return false;
     if (newest.count == kChunkEntries) return StartChunk(Former::kLinked);
-    if (length > RoomBeforeOwnBlock()) return StartChunk(Former::kGivenUp);
+    if (length > RoomBeforeOwnBlock()) return StartChunk(Former::kDropped);
     return true;
 }
 
@@ -173,13 +175,16 @@ bool RecordFile::MakeRoom(std::uint32_t length) {
 // it has been overwritten: then the new one is, and its block is written with the next frame.
 bool RecordFile::StartChunk(Former former) {
     const std::uint64_t start = Tell();
+    const std::uint64_t prev = former == Former::kLinked ? writeChunk.header.self : 0;
     ChunkBlock fresh = writeChunk;  // unused entries have no meaning
-    fresh.header = EmptyChunk(start, former == Former::kLinked ? writeChunk.header.self : 0);
+    fresh.header = EmptyChunk(start, prev);
 
     writeChunk.header.next = start;
     bool done = WriteAll(&fresh, sizeof fresh);
-    const bool formerRemains = GetHead() != start;
-    if (formerRemains && done && former == Former::kGivenUp) done = GiveUpTo(start);
+    // Behind a chunk that fills the ring, the head is right here from the beginning.
+    const bool untouched = !done && ring.Place(Tell()) == ring.Place(start);
+    const bool formerRemains = GetHead() != start || untouched;
+    if (formerRemains && done && former == Former::kDropped) done = GiveUpTo(start);
     if (formerRemains && former == Former::kLinked) {
         writeChunkDirty = true;
         done = done && FlushChunkUnwatched();
@@ -189,9 +194,8 @@ bool RecordFile::StartChunk(Former former) {
         FlushChunkUnwatched();  // nothing else would make its records known as long as this goes on
         return Seek(start) && false;
     }
-    writeChunk.header = fresh.header;
+    InitChunk(start, prev);
     writeChunkDirty = !done;
-    blockEnd = ring.End();
     return Seek(ring.Advance(start, kChunkBlockSize)) && done;
 }
 

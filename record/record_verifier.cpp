@@ -77,7 +77,8 @@ private:
         }
         ++result.chunks;
         CheckEntries(position, block);
-        if (!newest && ring.Holds(header.next) && ring.Place(header.next) != ring.Place(end)) {
+        if (!newest && endKnown && ring.Holds(header.next) &&
+            ring.Place(header.next) != ring.Place(end)) {
             Find(Field(position, offsetof(ChunkHeader, next)),  // invariant 6
                  "next chunk is at " + Text(header.next) + ", the records end at " + Text(end));
         }
@@ -88,6 +89,7 @@ private:
         const std::uint64_t chunkOffset = ring.Distance(scan.Header().head, position);
         std::uint64_t used = kChunkBlockSize;
         end = ring.Advance(position, used);
+        endKnown = true;
         const std::uint32_t count = std::min(block.header.count, kChunkEntries);
         for (std::uint32_t k = 0; k < count; ++k) {
             const IndexEntry& entry = block.entries[k];
@@ -100,6 +102,9 @@ private:
             if (entry.length > ring.Size() - chunkOffset - used) {
                 Find(at + offsetof(IndexEntry, length),
                      record + " of " + Text(entry.length) + " bytes isn't whole in the file");
+                // Where the ones behind it should be is not known.
+                endKnown = false;
+                result.records += count - (k + 1);
                 return;
             }
             // Where it should be, so that one bad position is one finding.
@@ -130,7 +135,8 @@ private:
     // Invariant 8: a ring that turns at its maximum isn't longer than that.
     void CheckTurn(const ChunkHeader& newest, std::uint64_t position) {
         const std::uint64_t head = ring.Place(scan.Header().head);
-        const std::uint64_t used = ring.Distance(head, position) + ring.Distance(position, end);
+        const std::uint64_t used =
+            ring.Distance(head, position) + ring.DistanceBehind(position, end);
         if (newest.next == 0 && head + used > ring.End() && scan.FileSize() > ring.End()) {
             Find(ring.End(), "file of " + Text(scan.FileSize()) +
                                  " bytes goes on behind the place where its ring turns");
@@ -146,6 +152,7 @@ private:
     const RingGeometry& ring;
     const RecordPictures pictures;
     std::uint64_t end = 0;  // of the latest chunk's data
+    bool endKnown = false;
     RecordVerification result;
 };
 

@@ -26,7 +26,8 @@ constexpr const char* kHelp =
   record_file --help                        this text
 
 Files are opened read-only and never changed. A file that is being recorded or played back can't be
-looked into; while it is looked into, it can be neither. A path such as c:\chl01.dbt means what it
+looked into; while it is looked into, it can be neither: a channel opened during a long verify
+doesn't open, nor record, until Marvolen tries it again. A path such as c:\chl01.dbt means what it
 means to Marvolen.
 
 Exit status: 0 done, and for verify the file is sound; 1 the file is damaged, is no record file or
