@@ -71,6 +71,22 @@ protected:
         disk = made.get();
         return made;
     }
+    // After a crash the file holds taken but for its oldest ones and, at most, the newest chunk's.
+    void ExpectSurvivorsOf(std::vector<TestRecord> taken) {
+        if (!Read()) return;  // the newest chunk was the only one, and never flushed
+        const std::uint32_t count = file->RecordCount();
+        ASSERT_TRUE(file->SeekTo(count - 1));
+        std::size_t lost = 0;
+        while (!taken.empty() && !Shows(taken.back().id, taken.back().length)) {
+            taken.pop_back();
+            ++lost;
+        }
+        ASSERT_LE(lost, 600U);
+        ASSERT_LE(count, taken.size());
+        taken.erase(taken.begin(), taken.end() - count);
+        ASSERT_TRUE(HoldsExactly(taken));
+    }
+
     FaultyRecordFile* disk = nullptr;
 };
 
@@ -140,6 +156,18 @@ TEST_F(RecordFaults, ChunksThatTheHeaderStillNamesAreNotOverwritten) {
     Crash();
     EXPECT_TRUE(Sound());
     EXPECT_TRUE(HoldsExactly({{nextId - 2, 600}}));
+}
+
+TEST_F(RecordFaults, AChunkThatFillsTheRingIsGivenUpForABlockOnly) {
+    const std::uint64_t maxSize = 24 + kBlock + 1000;
+    ASSERT_TRUE(Create(maxSize) && Append(600));
+    ASSERT_TRUE(Append(500) && Append(500)) << "a new chunk, filled to where it begins";
+    disk->room = 0;
+    EXPECT_FALSE(Append(1));
+    disk->room = FaultyRecordFile::kEndless;
+    Close();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(1, 2, 500));
 }
 
 TEST_F(RecordFaults, AWriteThatMovesNothingFailsInTheEnd) {
@@ -237,6 +265,7 @@ TEST_F(RecordFaults, FailedWritesCostTheirFramesOnly) {
             if (any(3) == 0) {
                 Crash();
                 ASSERT_TRUE(Sound()) << operation;
+                ASSERT_NO_FATAL_FAILURE(ExpectSurvivorsOf(taken)) << operation;
                 taken.clear();
                 ASSERT_TRUE(Reopen(maxSize));
                 Close();

@@ -89,6 +89,38 @@ protected:
             ASSERT_TRUE(HoldsExactly(expected));
         }
         ASSERT_EQ(Size(), model.FileSize());
+        ASSERT_NO_FATAL_FAILURE(CompareBytes());
+    }
+
+    // Header and index blocks, as they lie in the file.
+    void CompareBytes() {
+        const std::string bytes = ReadWholeFile(path);
+        RingHeader header{};
+        std::memcpy(&header, bytes.data(), sizeof header);
+        ASSERT_EQ(header.maxSize, model.Max());
+        ASSERT_EQ(header.head, model.ChunkPosition(0));
+        for (std::size_t k = 0; k < model.Chunks(); ++k) {
+            const ChunkBlock expected = model.BlockOf(k);
+            const std::uint64_t self = expected.header.self;
+            const std::size_t beforeEnd = std::min<std::size_t>(
+                std::min<std::size_t>(bytes.size(), model.Max()) - self, sizeof(ChunkBlock));
+            ChunkBlock stored;
+            auto* const to = reinterpret_cast<char*>(&stored);
+            std::memcpy(to, bytes.data() + self, beforeEnd);
+            std::memcpy(to + beforeEnd, bytes.data() + 24, sizeof stored - beforeEnd);
+            ASSERT_EQ(stored.header.magic, kChunkMagic);
+            ASSERT_EQ(stored.header.self, self);
+            ASSERT_EQ(stored.header.next, expected.header.next);
+            ASSERT_EQ(stored.header.count, expected.header.count);
+            if (k > 0) {
+                ASSERT_EQ(stored.header.prev, expected.header.prev);
+            }
+            for (std::uint32_t n = 0; n < expected.header.count; ++n) {
+                ASSERT_EQ(stored.entries[n].pos, expected.entries[n].pos) << k << ' ' << n;
+                ASSERT_EQ(stored.entries[n].length, expected.entries[n].length);
+                ASSERT_EQ(stored.entries[n].stamp, expected.entries[n].stamp);
+            }
+        }
     }
 
     void EndAndReopen() {

@@ -118,6 +118,17 @@ TEST_F(RecordReopen, ASmallerMaximumBelowTheNewestChunkKeepsTheOnesBefore) {
     EXPECT_FALSE(Reopen(24 + kChunkOf10 - 1)) << "nothing lies below";
 }
 
+TEST_F(RecordReopen, AShortIndexOfAChunkThatBecomesTheNewestLeavesNoGap) {
+    ASSERT_TRUE(Create(kMiB) && AppendMany(3 * 600, 10));
+    Close();
+    Patch(24 + kChunkOf10 + 32, std::uint32_t{500});
+    nextId = 1100;
+    ASSERT_TRUE(Reopen(24 + 2 * kChunkOf10 + 100) && Append(10));
+    Close();
+    EXPECT_TRUE(Sound());
+    EXPECT_TRUE(HoldsRange(0, 1100, 10));
+}
+
 TEST_F(RecordReopen, ARefusedMaximumLeavesTheRecordingUntouched) {
     ASSERT_TRUE(Create(kMiB) && AppendMany(700, 10));
     Close();
@@ -335,27 +346,59 @@ protected:
         }
     }
 
+    // Of the file of 605 records of 4 bytes.
+    static bool IsWithoutMeaning(std::uint64_t position) {
+        const auto within = [&](std::uint64_t from, std::uint64_t n) {
+            return position >= from && position < from + n;
+        };
+        return within(4, 4) || within(24 + 4, 4) || within(24 + 24, 8) || within(24 + 36, 4) ||
+               within(kSecond + 4, 4) || within(kSecond + 36, 4) ||
+               within(kSecond + 40 + 5 * 32, 595 * 32);
+    }
+    // One entry is damaged: that costs its record at most.
+    void ExpectOthers(std::uint32_t damaged) {
+        ASSERT_TRUE(Read() || damaged == 0);
+        if (damaged == 0) return;
+        ASSERT_EQ(file->RecordCount(), 605U);
+        for (const std::uint32_t id : {0U, damaged - 1, damaged + 1, 599U, 600U, 604U}) {
+            if (id == damaged || id > 604) continue;
+            ASSERT_TRUE(file->SeekTo(id) && Shows(id, 4)) << id;
+        }
+        file->CloseReader();
+    }
+
     static constexpr std::uint64_t kMaxSize = 60000;
+    static constexpr std::uint64_t kSecond = 24 + kBlock + 2400;
 };
 
 TEST_F(RecordDamage, OfEverySingleByteOfHeaderAndBlocksIsSurvived) {
     ASSERT_TRUE(Create(kMaxSize) && AppendMany(605, 4));
     Close();
     const std::string good = ReadWholeFile(path);
-    const std::uint64_t second = 24 + kBlock + 2400;
+    const std::uint64_t second = kSecond;
     const auto damage = [&](std::uint64_t position, std::uint32_t nearRecord) {
         const bool header = position < 64 || (position >= second && position < second + 40);
         for (const unsigned flip : {0x01U, 0xFFU, 0x80U, 0x10U}) {
             std::string bytes = good;
             bytes[position] = static_cast<char>(static_cast<unsigned char>(bytes[position]) ^ flip);
             Restore(bytes);
+            if (IsWithoutMeaning(position)) {
+                ASSERT_TRUE(HoldsRange(0, 604, 4)) << position;
+                ASSERT_TRUE(Reopen(kMaxSize)) << position;
+                Close();
+            } else if (!header) {
+                ASSERT_NO_FATAL_FAILURE(ExpectOthers(nearRecord)) << position;
+            }
             ASSERT_NO_FATAL_FAILURE(UseDamaged(nearRecord)) << position << ' ' << flip;
             if (!header) break;
         }
     };
-    for (std::uint64_t k = 0; k < 24 + kBlock; ++k) damage(k, static_cast<std::uint32_t>(k / 32));
+    for (std::uint64_t k = 0; k < 24 + kBlock; ++k) {
+        damage(k, static_cast<std::uint32_t>(k < 64 ? 0 : (k - 64) / 32));
+    }
     for (std::uint64_t k = 0; k < kBlock; ++k) {
-        damage(second + k, 600 + static_cast<std::uint32_t>(std::min<std::uint64_t>(k / 32, 4)));
+        const std::uint64_t entry = k < 40 ? 0 : (k - 40) / 32;
+        damage(second + k, 600 + static_cast<std::uint32_t>(std::min<std::uint64_t>(entry, 4)));
     }
 }
 

@@ -216,6 +216,21 @@ TEST_F(RecordTool, VerifyNamesTheFieldThatIsWrong) {
     EXPECT_EQ(Findings(), "19264: record 0 of 3 bytes is no picture\n");
 }
 
+TEST_F(RecordTool, VerifyGoesOnBehindARecordThatIsNotWhole) {
+    MakePictures(605, 1048576);
+    Patch(24 + 40 + 10 * 32 + 8, std::uint64_t{1} << 40);
+    EXPECT_EQ(Findings(), "392: record 10 of 1099511627776 bytes isn't whole in the file\n");
+    EXPECT_NE(out.find("2 chunks, 605 records, 1 finding"), out.npos) << out;
+}
+
+TEST_F(RecordTool, VerifyWantsARingCutThatOneChunkFills) {
+    ASSERT_TRUE(Create(24 + kBlock + 1000) && Append(600) && Append(500) && Append(500));
+    Close();
+    ASSERT_TRUE(Sound());
+    Cut(Size() + 1);
+    EXPECT_FALSE(Sound());
+}
+
 TEST_F(RecordTool, VerifyWantsAWrappedRingCut) {
     MakePictures(900, 24 + 2 * kBlock + 60000);
     ASSERT_EQ(Findings(), "");
