@@ -20,8 +20,8 @@ CAboutDlg::CAboutDlg(QWidget* parent) : CDialog(parent) {
     auto* version = new QLabel(
         QStringLiteral("Version %1, %2").arg(QLatin1String(kVersion), QLatin1String(kVersionDate)),
         this);
-    auto* purpose = new QLabel(
-        QStringLiteral("Watches, records and plays back sixteen networked cameras."), this);
+    auto* purpose =
+        new QLabel(QStringLiteral("Watches and records sixteen networked cameras."), this);
 
     auto* closeButton = new QPushButton(QStringLiteral("Close"), this);
     closeButton->setDefault(true);
