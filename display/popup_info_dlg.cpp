@@ -5,6 +5,7 @@
 #include "res/resource_ids.h"
 #include "res/resources.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QLabel>
@@ -15,6 +16,7 @@
 namespace marvolen {
 namespace {
 
+constexpr QSize kTemplateSize(194, 47);  // dialog units
 constexpr int kMargin = 8;
 constexpr int kSpacing = 4;
 constexpr int kIconColumn = 2;
@@ -25,31 +27,38 @@ void SetText(QLineEdit& field, const QString& text) {
     field.setCursorPosition(0);  // a long name shows its beginning
 }
 
+// Makes room for the longest time, and for as much of a name, in the field's font.
+void WidenField(QLineEdit& field) {
+    const QFontMetrics metrics = field.fontMetrics();
+    const int frame = field.sizeHint().height() - metrics.height();
+    const int text = metrics.horizontalAdvance(QStringLiteral("0000/00/00 00:00:00"));
+    field.setMinimumWidth(text + 2 * frame);
+}
+
 }  // namespace
 
 CPopupInfoDlg::CPopupInfoDlg(const VideoPane& itsPane, QWidget* parent)
     : CDialog(parent), pane(itsPane), marks(StatusMarks::Shared()) {
-    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus |
+                   Qt::WindowTransparentForInput);
     setAttribute(Qt::WA_ShowWithoutActivating);
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     grid->setHorizontalSpacing(2 * kSpacing);
     grid->setVerticalSpacing(kSpacing);
-    const auto longestTime = QStringLiteral("0000/00/00 00:00:00");
-    channel = AddField(0, QStringLiteral("Channel No."), IDC_POPUP_CHANNEL, longestTime);
-    name = AddField(1, QStringLiteral("Name"), IDC_POPUP_NAME, longestTime);
-    time = AddField(2, QStringLiteral("Time"), IDC_POPUP_TIME, longestTime);
+    channel = AddField(0, QStringLiteral("Channel No."), IDC_POPUP_CHANNEL);
+    name = AddField(1, QStringLiteral("Name"), IDC_POPUP_NAME);
+    time = AddField(2, QStringLiteral("Time"), IDC_POPUP_TIME);
     AddMark(recording, 0, IDC_POPUP_RECORDING, QStringLiteral("Recording"));
     AddMark(connected, 1, IDC_POPUP_CONNECTED, QStringLiteral("Connected"));
     resize(sizeHint());
 }
 
-QLineEdit* CPopupInfoDlg::AddField(int row, const QString& label, int id, const QString& longest) {
+QLineEdit* CPopupInfoDlg::AddField(int row, const QString& label, int id) {
     auto* field = new QLineEdit(this);
     field->setReadOnly(true);
     field->setFocusPolicy(Qt::NoFocus);
-    const int frame = field->sizeHint().height() - field->fontMetrics().height();
-    field->setMinimumWidth(field->fontMetrics().horizontalAdvance(longest) + 2 * frame);
+    WidenField(*field);
     AddControl(field, id, label);
     auto* grid = static_cast<QGridLayout*>(layout());
     grid->addWidget(new QLabel(label, this), row, 0);
@@ -77,6 +86,16 @@ void CPopupInfoDlg::ShowMark(MarkControl& control, int mark, bool shown) {
     if (control.ratio == ratio) return;
     control.ratio = ratio;
     control.icon->setPixmap(shown ? marks->Mark(mark, ratio) : QPixmap());
+}
+
+QSize CPopupInfoDlg::sizeHint() const {
+    return MapDialogUnits(kTemplateSize).expandedTo(CDialog::sizeHint());
+}
+
+void CPopupInfoDlg::changeEvent(QEvent* event) {
+    CDialog::changeEvent(event);
+    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
+    for (QLineEdit* field : findChildren<QLineEdit*>()) WidenField(*field);
 }
 
 // A frameless window needs an outline of its own to stand off from what is below it.

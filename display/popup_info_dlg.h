@@ -1,7 +1,8 @@
 #pragma once
 
 // CPopupInfoDlg: the small window beside the pane under the mouse that repeats the channel's
-// number, name, time and status marks. It never takes the focus. Interface thread only.
+// number, name, time and status marks. It takes neither the focus nor the mouse, which stays with
+// what lies below. Interface thread only.
 
 #include "display/status_marks.h"
 #include "platform/dialog.h"
@@ -27,7 +28,11 @@ public:
     // with every picture.
     void RefreshPopup();
 
+    // Its natural size: that of its dialog template, or what its texts need in this font.
+    QSize sizeHint() const override;
+
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -36,7 +41,7 @@ private:
         qreal ratio = 0;  // device pixel ratio of the mark it shows, 0 while it shows none
     };
 
-    QLineEdit* AddField(int row, const QString& label, int id, const QString& longest);
+    QLineEdit* AddField(int row, const QString& label, int id);
     void AddMark(MarkControl& control, int row, int id, const QString& accessibleName);
     void ShowMark(MarkControl& control, int mark, bool shown);
 

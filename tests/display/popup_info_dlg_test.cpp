@@ -27,12 +27,13 @@ protected:
     CPopupInfoDlg* popup = nullptr;  // the pane's
 };
 
-TEST_F(PopupTest, IsAHiddenToolWindowThatNeverTakesTheFocus) {
+TEST_F(PopupTest, IsAHiddenToolWindowThatTakesNeitherFocusNorMouse) {
     EXPECT_FALSE(popup->isVisible());
     EXPECT_FALSE(popup->isModal());
     EXPECT_EQ(popup->parentWidget(), dialog.get());
     EXPECT_TRUE(popup->testAttribute(Qt::WA_ShowWithoutActivating));
     EXPECT_TRUE(popup->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+    EXPECT_TRUE(popup->windowFlags().testFlag(Qt::WindowTransparentForInput));
     for (const int id : {IDC_POPUP_CHANNEL, IDC_POPUP_NAME, IDC_POPUP_TIME}) {
         EXPECT_TRUE(popup->GetDlgItem<QLineEdit>(id)->isReadOnly());
     }
@@ -97,7 +98,16 @@ TEST_F(PopupTest, HasRoomForTheLongestTexts) {
     EXPECT_EQ(name->cursorPosition(), 0);
     const QLineEdit* time = popup->GetDlgItem<QLineEdit>(IDC_POPUP_TIME);
     const QString longest = QStringLiteral("2004/02/29 08:15:00");
-    EXPECT_GT(time->contentsRect().width(), time->fontMetrics().horizontalAdvance(longest) + 4);
+    for (const int points : {8, 12, 24}) {
+        QFont font = popup->font();
+        font.setPointSize(points);
+        popup->setFont(font);
+        pane->ShowPopup();
+        const QSize natural = popup->MapDialogUnits({194, 47});
+        EXPECT_GE(popup->width(), natural.width());
+        EXPECT_GE(popup->height(), natural.height());
+        EXPECT_GT(time->contentsRect().width(), time->fontMetrics().horizontalAdvance(longest) + 4);
+    }
 }
 
 TEST_F(PopupTest, RefreshingMakesNoNewIconsOrControls) {
@@ -106,10 +116,18 @@ TEST_F(PopupTest, RefreshingMakesNoNewIconsOrControls) {
     const auto connectedKey = Mark(IDC_POPUP_CONNECTED).cacheKey();
     const auto recordingKey = Mark(IDC_POPUP_RECORDING).cacheKey();
     const auto children = popup->findChildren<QObject*>().size();
-    for (int k = 0; k < 1000; ++k) {
+    SYSTEMTIME time{2004, 2, 0, 29, 0, 0, 0, 0};
+    for (int k = 0; k < 10'000; ++k) {
+        time.hour = static_cast<std::uint16_t>(k / 3600);
+        time.minute = static_cast<std::uint16_t>(k / 60 % 60);
+        time.second = static_cast<std::uint16_t>(k % 60);
+        Deliver(red, &time);
         pane->SetStatus(k % 2 == 0 ? PANE_RECORDING : 0, k % 2 == 0 ? 0 : PANE_RECORDING);
         popup->RefreshPopup();
+        ASSERT_EQ(Text(IDC_POPUP_TIME).toStdString(), pane->GetTimeText());
+        ASSERT_EQ(Mark(IDC_POPUP_RECORDING).isNull(), k % 2 != 0);
     }
+    EXPECT_EQ(Text(IDC_POPUP_TIME), QStringLiteral("2004/02/29 02:46:39"));
     pane->SetStatus(PANE_RECORDING, 0);
     popup->RefreshPopup();
     EXPECT_EQ(Mark(IDC_POPUP_CONNECTED).cacheKey(), connectedKey);
