@@ -18,7 +18,11 @@ std::optional<std::string> ChooseLogFile(QWidget* parent) {
     dialog.setWindowTitle(QStringLiteral("Save as"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setNameFilters({QStringLiteral("CVS Files (*.csv)"), QStringLiteral("All Files (*.*)")});
+    // The last parentheses are the patterns and stay hidden: "*.*" would be taken at its word, and
+    // leave out the files without a dot.
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setNameFilters(
+        {QStringLiteral("CVS Files (*.csv)(*.csv)"), QStringLiteral("All Files (*.*)(*)")});
     dialog.setDefaultSuffix(QStringLiteral("csv"));
     dialog.selectFile(QStringLiteral("message.csv"));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};

@@ -1,6 +1,7 @@
 #pragma once
 
-// A report list that is sorted by clicking a column's header. Interface thread only.
+// A report list that is sorted by clicking a column's header, or with Ctrl and the column's number.
+// Interface thread only.
 //
 // The rows' texts are UTF-8. A click on a column sorts by it, ascending at first, then by turns;
 // row_order.h says how two rows compare. Rows added later stand at the end until the next sorting.

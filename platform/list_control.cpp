@@ -5,7 +5,9 @@
 #include <QClipboard>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyleOptionFocusRect>
 #include <QToolTip>
 
 #include <algorithm>
@@ -13,6 +15,17 @@
 #include <vector>
 
 namespace marvolen {
+
+namespace {
+
+// The column that a key clicks, -1 for none.
+int ColumnOfKey(const QKeyEvent& event) {
+    const bool control = (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+    if (!control || event.key() < Qt::Key_1 || event.key() > Qt::Key_9) return -1;
+    return event.key() - Qt::Key_1;
+}
+
+}  // namespace
 
 // Columns and rows as the toolkit's view asks for them.
 class CListCtrl::Model final : public QAbstractTableModel {
@@ -199,11 +212,27 @@ void CListCtrl::CopySelectedItem() const {
 void CListCtrl::OnColumnClick(int) {}
 
 void CListCtrl::keyPressEvent(QKeyEvent* event) {
+    const int column = ColumnOfKey(*event);
     if (event->matches(QKeySequence::Copy)) {
         CopySelectedItem();
+    } else if (column >= 0 && column < GetColumnCount()) {
+        if (!event->isAutoRepeat()) OnColumnClick(column);
     } else {
         QTreeView::keyPressEvent(event);
     }
+}
+
+// The toolkit shows the focus at a row, so a list without rows would not show it at all.
+void CListCtrl::paintEvent(QPaintEvent* event) {
+    QTreeView::paintEvent(event);
+    if (!hasFocus() || GetItemCount() > 0) return;
+    QPainter painter(viewport());
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.rect = viewport()->rect();
+    option.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
+    option.backgroundColor = palette().color(QPalette::Base);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
 bool CListCtrl::viewportEvent(QEvent* event) {

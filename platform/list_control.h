@@ -68,9 +68,12 @@ protected:
     // A click on a column's header item. The base does nothing.
     virtual void OnColumnClick(int column);
 
-    void keyPressEvent(QKeyEvent* event) override;  // the copy keys copy the selected row
-    bool viewportEvent(QEvent* event) override;     // shows texts that are cut as tool tips
-    void updateGeometries() override;               // keeps the last row in sight
+    // The copy keys copy the selected row; Ctrl+1 to Ctrl+9 click the header item of that column,
+    // counted from 1.
+    void keyPressEvent(QKeyEvent* event) override;
+    bool viewportEvent(QEvent* event) override;    // shows texts that are cut as tool tips
+    void paintEvent(QPaintEvent* event) override;  // shows the focus of an empty list
+    void updateGeometries() override;              // keeps the last row in sight
 
 private:
     class Model;

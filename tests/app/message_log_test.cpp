@@ -5,7 +5,9 @@
 #include "tests/support/temporary_folder.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -218,8 +220,16 @@ TEST_F(SaveAs, OffersANameAndTwoFilters) {
         const auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         ASSERT_NE(field, nullptr);
         EXPECT_EQ(field->text(), QStringLiteral("message.csv"));
-        EXPECT_EQ(dialog.nameFilters(), (QStringList{QStringLiteral("CVS Files (*.csv)"),
-                                                     QStringLiteral("All Files (*.*)")}));
+        const auto* types = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+        ASSERT_NE(types, nullptr);
+        ASSERT_EQ(types->count(), 2);
+        EXPECT_EQ(types->itemText(0), QStringLiteral("CVS Files (*.csv)"));
+        EXPECT_EQ(types->itemText(1), QStringLiteral("All Files (*.*)"));
+        const auto* files = dialog.findChild<QFileSystemModel*>();
+        ASSERT_NE(files, nullptr);
+        EXPECT_EQ(files->nameFilters(), QStringList{QStringLiteral("*.csv")});
+        dialog.selectNameFilter(dialog.nameFilters().last());
+        EXPECT_EQ(files->nameFilters(), QStringList{QStringLiteral("*")});  // a dot or none
         EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });

@@ -100,6 +100,35 @@ TEST_F(SortList, ClicksSortUpThenDown) {
     EXPECT_EQ(Column(list, 0), (Strings{"02", "9", "10", "01"}));
 }
 
+TEST_F(SortList, ControlAndADigitSortLikeAClick) {
+    AddSamples();
+    QTest::keyClick(&list, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(Column(list, 0), (Strings{"01", "02", "9", "10"}));
+    QTest::keyClick(&list, Qt::Key_1, Qt::ControlModifier | Qt::KeypadModifier);
+    EXPECT_EQ(Column(list, 0), (Strings{"10", "9", "02", "01"}));
+    QTest::keyClick(&list, Qt::Key_3, Qt::ControlModifier);
+    EXPECT_EQ(list.SortColumn(), 2);
+    EXPECT_TRUE(list.SortAscending());
+    QTest::keyClick(&list, Qt::Key_4, Qt::ControlModifier);  // there is none
+    QTest::keyClick(&list, Qt::Key_0, Qt::ControlModifier);
+    QTest::keyClick(&list, Qt::Key_1);
+    QTest::keyClick(&list, Qt::Key_1, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(list.SortColumn(), 2);
+    EXPECT_TRUE(list.SortAscending());
+    EXPECT_TRUE(list.SetColumns("4,9;5,9;6,9;7,9;8,9;9,9"));
+    QTest::keyClick(&list, Qt::Key_9, Qt::ControlModifier);
+    EXPECT_EQ(list.SortColumn(), 8);
+}
+
+TEST_F(SortList, AnEmptyListShowsItsFocus) {
+    list.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    ASSERT_TRUE(list.hasFocus());
+    const QImage focused = list.viewport()->grab().toImage();
+    list.clearFocus();
+    EXPECT_NE(list.viewport()->grab().toImage(), focused);
+}
+
 TEST_F(SortList, NewRowsStandAtTheEndUntilTheNextSorting) {
     AddSamples();
     list.SortByColumn(0, false);
