@@ -27,24 +27,38 @@ QString CHeaderCtrl::GetItemText(int item) const {
 void CHeaderCtrl::DrawItem(const DrawItemInfo&) const {}
 
 void CHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
-    if ((GetItemFormat(logicalIndex) & HDF_OWNERDRAW) == 0) {
-        QHeaderView::paintSection(painter, rect, logicalIndex);
-        return;
-    }
     if (!rect.isValid()) return;
     QStyleOptionHeaderV2 option;
     initStyleOption(&option);
     option.rect = rect;
     initStyleOptionForIndex(&option, logicalIndex);
-    // The style's own section lies below, so that the lines between the items stay the same.
+    // The style's own section lies below an item that paints itself, too, so that the lines between
+    // the items stay the same.
     painter->save();
     style()->drawControl(QStyle::CE_HeaderSection, &option, painter, this);
     painter->restore();
 
     painter->save();
-    painter->setClipRect(rect.adjusted(0, 0, -1, -1), Qt::IntersectClip);
-    DrawItem({*painter, logicalIndex, rect, (option.state & QStyle::State_Sunken) != 0});
+    if ((GetItemFormat(logicalIndex) & HDF_OWNERDRAW) == 0) {
+        painter->setClipRect(rect, Qt::IntersectClip);
+        DrawStyledLabel(*painter, option);
+    } else {
+        painter->setClipRect(rect.adjusted(0, 0, -1, -1), Qt::IntersectClip);
+        DrawItem({*painter, logicalIndex, rect, (option.state & QStyle::State_Sunken) != 0});
+    }
     painter->restore();
+}
+
+// Styles inset names and cells by margins of their own; here a name begins and ends where its
+// column's texts do.
+void CHeaderCtrl::DrawStyledLabel(QPainter& painter, QStyleOptionHeaderV2 option) const {
+    const int cellMargin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const QRect section = option.rect;
+    option.rect = style()->subElementRect(QStyle::SE_HeaderLabel, &option, this);
+    option.rect.setLeft(section.left() + cellMargin);
+    option.rect.setRight(section.right() - cellMargin);
+    if (option.rect.isValid())
+        style()->drawControl(QStyle::CE_HeaderLabel, &option, &painter, this);
 }
 
 }  // namespace marvolen

@@ -5,6 +5,7 @@
 #include "platform/window.h"
 
 #include <QHeaderView>
+#include <QStyleOptionHeaderV2>
 
 namespace marvolen {
 
@@ -47,6 +48,9 @@ protected:
     virtual void DrawItem(const DrawItemInfo& draw) const;
 
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
+
+private:
+    void DrawStyledLabel(QPainter& painter, QStyleOptionHeaderV2 option) const;
 };
 
 }  // namespace marvolen

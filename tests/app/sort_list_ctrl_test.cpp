@@ -255,6 +255,34 @@ TEST_F(SortHeader, TheArrowMarksTheSortedColumnOnly) {
     }
 }
 
+TEST_F(SortHeader, NamesBeginWhereTheTextsBelowDo) {
+    const auto firstOfText = [](const QImage& image) {
+        for (int x = 0; x < image.width(); ++x) {
+            for (int y = 0; y < image.height(); ++y) {
+                const QColor colour = image.pixelColor(x, y);
+                if (colour.blue() - colour.red() > 40) return x;
+            }
+        }
+        return -1;
+    };
+    QPalette palette = list.palette();
+    palette.setColor(QPalette::Text, kText);
+    list.setPalette(palette);
+    for (const int points : {8, 10, 14}) {
+        QFont font = list.font();
+        font.setPointSize(points);
+        list.setFont(font);
+        list.DeleteAllRows();
+        list.AddRow("ID", "Name", "Date");
+        for (int column = 0; column < 3; ++column) {
+            const QRect cell = list.visualRect(list.model()->index(0, column));
+            const int text = firstOfText(list.viewport()->grab(cell).toImage());
+            EXPECT_GT(text, 0);
+            EXPECT_EQ(firstOfText(Item(column)), text) << points << " pt, column " << column;
+        }
+    }
+}
+
 TEST_F(SortHeader, LabelsKeepTheirMarginsAndMoveWhilePressed) {
     list.SortHeader().SetSortArrow(1, true);
     const QImage released = Item(1);
