@@ -214,7 +214,7 @@ void CMarvolenDlg::mouseMoveEvent(QMouseEvent* event) {
 
 void CMarvolenDlg::leaveEvent(QEvent* event) {
     CDialog::leaveEvent(event);
-    // A pop-up that comes up may take the pointer from the window without its having moved.
+    // The window is also left when a window of its own comes up under a pointer that stays.
     if (rect().contains(mapFromGlobal(QCursor::pos()))) return;
     PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
 }
