@@ -4,7 +4,8 @@
 add_library(marvolen_options INTERFACE)
 target_include_directories(marvolen_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(marvolen_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
 if(MARVOLEN_SANITIZE)
   target_compile_options(marvolen_options INTERFACE
     -fsanitize=${MARVOLEN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -31,13 +32,17 @@ function(marvolen_qt_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC marvolen_qt_options ${ARG_LINK})
-  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
 endfunction()
 
-# marvolen_test(NAME SOURCES ... [LINK ...] [QT]): a GoogleTest program, each case a CTest test.
-# With QT its main() runs a QApplication on the offscreen platform.
+# Every test program whose cases run more than one thread; what ThreadSanitizer looks at.
+add_custom_target(marvolen_threaded_tests)
+
+# marvolen_test(NAME SOURCES ... [LINK ...] [QT] [THREADS]): a GoogleTest program, each case a CTest
+# test. With QT its main() runs a QApplication on the offscreen platform; with THREADS its cases
+# carry the label "threads".
 function(marvolen_test name)
-  cmake_parse_arguments(ARG "QT" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "QT;THREADS" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE marvolen_options ${ARG_LINK} GTest::gtest)
   if(ARG_QT)
@@ -46,7 +51,12 @@ function(marvolen_test name)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  set(labels "")
+  if(ARG_THREADS)
+    add_dependencies(marvolen_threaded_tests ${name})
+    set(labels LABELS threads)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 ${labels})
   # A property that is a list doesn't survive discovery, so it is set when CTest reads the result.
   set(environment_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake)
   file(WRITE ${environment_file}

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and demonstrating Marvolen needs.
-# Does nothing, and needs no rights, when all of them are there.
+# install_dependencies.sh [checks]
+# Installs the Debian packages that building, testing and demonstrating Marvolen needs; with "checks"
+# those of the sanitizer and fuzz presets and of the checks of the sources, too. Does nothing, and needs
+# no rights, when all of them are there.
 set -euo pipefail
 
 packages=(
@@ -9,6 +11,11 @@ packages=(
   libgtest-dev libbenchmark-dev libturbojpeg0-dev libjpeg62-turbo-dev
   xvfb xauth xdotool imagemagick x11-utils
 )
+case ${1:-} in
+  "") ;;
+  checks) packages+=(clang clang-format clang-tidy libclang-rt-14-dev python3) ;;
+  *) echo "usage: $0 [checks]" >&2; exit 2 ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
