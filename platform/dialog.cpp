@@ -31,11 +31,18 @@ int ControlId(const QWidget& control) {
 CDialog::CDialog(QWidget* parent) : QDialog(parent) {}
 
 int CDialog::DoModal() {
-    return Initialise() ? exec() : result();
+    const int ending = Initialise() ? exec() : result();
+    OnModalEnd(ending);
+    return ending;
 }
 
 void CDialog::CreateModeless() {
     if (Initialise()) show();
+}
+
+void CDialog::CreateChild() {
+    setWindowFlags(Qt::Widget);
+    CreateModeless();
 }
 
 // False when OnInitDialog has ended the dialog already.
@@ -99,12 +106,14 @@ void CDialog::ShowSystemMenu(const QPoint& globalPosition) {
         if (item.command == 0) {
             menu.addSeparator();
         } else {
-            menu.addAction(item.text, this, [this, command = item.command] {
-                PostMessage(WM_SYSCOMMAND, static_cast<WPARAM>(command), 0);
-            });
+            menu.addAction(item.text)->setData(item.command);
         }
     }
-    menu.exec(globalPosition);
+    const QAction* chosen = menu.exec(globalPosition);
+    const int command = chosen ? chosen->data().toInt() & ~0xF : 0;
+    if (command == 0) return;
+    Q_EMIT systemCommand(command);
+    OnSysCommand(command);
 }
 
 void CDialog::contextMenuEvent(QContextMenuEvent* event) {
@@ -116,6 +125,7 @@ void CDialog::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void CDialog::keyPressEvent(QKeyEvent* event) {
+    if (!isWindow() && event->matches(QKeySequence::Cancel)) return event->ignore();
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     auto* button = qobject_cast<QAbstractButton*>(focusWidget());
     if (enter && button && button->isEnabled()) {
@@ -127,15 +137,31 @@ void CDialog::keyPressEvent(QKeyEvent* event) {
 
 void CDialog::OnSysCommand(int) {}
 
+void CDialog::accept() {
+    OnCommand(MakeCommand(IDOK, BN_CLICKED), 0);
+}
+
 void CDialog::reject() {
     OnCommand(MakeCommand(IDCANCEL, BN_CLICKED), 0);
 }
 
 void CDialog::OnInitDialog() {}
 
+void CDialog::OnOK() {
+    EndDialog(IDOK);
+}
+
+void CDialog::OnCancel() {
+    EndDialog(IDCANCEL);
+}
+
+void CDialog::OnModalEnd(int) {}
+
 void CDialog::OnCommand(WPARAM wParam, LPARAM) {
     const int id = CommandId(wParam);
-    if (CommandCode(wParam) == BN_CLICKED && (id == IDOK || id == IDCANCEL)) EndDialog(id);
+    if (CommandCode(wParam) != BN_CLICKED) return;
+    if (id == IDOK) OnOK();
+    if (id == IDCANCEL) OnCancel();
 }
 
 void CDialog::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {

@@ -28,14 +28,18 @@ class CDialog : public QDialog, public CWnd {
 public:
     explicit CDialog(QWidget* parent = nullptr);
 
-    // Runs the dialog until it ends: OnInitDialog, then its own event loop. Returns what EndDialog
-    // was given; given from OnInitDialog it returns at once, the dialog unseen. A dialog object is
+    // Runs the dialog until it ends: OnInitDialog, its own event loop, OnModalEnd. Returns what
+    // EndDialog was given; given from OnInitDialog the dialog stays unseen. A dialog object is
     // made for one run; a further run goes on with the controls as they are.
     int DoModal();
 
     // Shows the dialog without a loop of its own (a modeless or child dialog) after OnInitDialog,
     // unless that ended it.
     void CreateModeless();
+
+    // Shows the dialog as a part of its parent, without a window of its own, after OnInitDialog.
+    // Escape isn't its own: the dialog around it gets the key.
+    void CreateChild();
 
     // Ends a modal run with this result, or hides a modeless dialog.
     void EndDialog(int result);
@@ -67,12 +71,26 @@ public:
     void AppendSystemMenu(int command, const QString& text);
     void AppendSystemMenuSeparator();
 
-    // Closing by Escape or the close box is the command IDCANCEL.
+    // The toolkit's ends: accept is OnOK; reject, which Escape and the close box call, OnCancel.
+    void accept() override;
     void reject() override;
+
+Q_SIGNALS:
+    // An item of the window's menu was chosen; the menu is closed already. The command's low four
+    // bits are cleared.
+    void systemCommand(int command);
 
 protected:
     // Once, before the dialog shows for the first time. May end it.
     virtual void OnInitDialog();
+
+    // End the dialog with IDOK or IDCANCEL, unless a derived dialog decides otherwise.
+    virtual void OnOK();
+    virtual void OnCancel();
+
+    // A modal run ends with this result: the last thing before DoModal returns to its caller. The
+    // base does nothing.
+    virtual void OnModalEnd(int result);
 
     // A command. The base ends the dialog on IDOK and IDCANCEL with that id.
     virtual void OnCommand(WPARAM wParam, LPARAM lParam);
