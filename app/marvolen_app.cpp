@@ -19,16 +19,23 @@ bool CMarvolenApp::InitInstance() {
         ShowMessageBox(nullptr, QStringLiteral("Marvolen"), LoadString(IDS_SOCKETS_FAILED));
         return false;
     }
-    CMarvolenDlg mainWindow;
+    CMarvolenDlg window;
+    mainWindow = &window;
     // Modal dialogs over the main window end first.
     const TerminationWatcher watcher([] { QApplication::closeAllWindows(); });
-    mainWindow.DoModal();
+    window.DoModal();
+    mainWindow = nullptr;
     return false;
 }
 
 int CMarvolenApp::ExitInstance() {
     SaveSettings();
     return CWinApp::ExitInstance();
+}
+
+int CMarvolenApp::OnDisplayGone() {
+    if (mainWindow) mainWindow->StopAllChannels(CloseFlag::Ordered);
+    return CWinApp::OnDisplayGone();
 }
 
 }  // namespace marvolen

@@ -4,6 +4,8 @@
 
 namespace marvolen {
 
+class CMarvolenDlg;
+
 // The program: loads the channel table, makes the socket layer ready, runs the main window and
 // writes the table back, whatever happened in between.
 class CMarvolenApp : public CWinApp {
@@ -12,6 +14,12 @@ protected:
     bool InitInstance() override;
 
     int ExitInstance() override;
+
+    // Closes the record files as the end of the main window does.
+    int OnDisplayGone() override;
+
+private:
+    CMarvolenDlg* mainWindow = nullptr;  // while it runs
 };
 
 }  // namespace marvolen
