@@ -13,6 +13,7 @@
 #include "app/pane_layout.h"
 #include "config/channel_info.h"
 #include "display/video_pane.h"
+#include "net/net_event_owner.h"
 #include "platform/dialog.h"
 #include "record/channel_recorder.h"
 
@@ -29,7 +30,7 @@ inline constexpr std::uint32_t kReconnectMilliseconds = 5000;
 inline constexpr std::uint32_t kWatchdogTimer = 17;
 inline constexpr std::uint32_t kWatchdogMilliseconds = 30000;
 
-class CMarvolenDlg final : public CDialog {
+class CMarvolenDlg final : public CDialog, private NetEventOwner {
     Q_OBJECT
 
 public:
@@ -88,6 +89,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;  // arrows select, Page Up and Down turn pages
 
 private:
+    void PostNetEvent(int code, ChannelInfo* info) override;  // to this window itself
     void OnNetEvent(int code, const ChannelInfo& info);
     void OnWatchdog();
     void OnPanelCommand(int id);

@@ -40,6 +40,10 @@ void CMarvolenDlg::StopAllChannels(CloseFlag flag) {
     }
 }
 
+void CMarvolenDlg::PostNetEvent(int code, ChannelInfo* info) {
+    PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(info));
+}
+
 void CMarvolenDlg::OnNetEvent(int code, const ChannelInfo& info) {
     // By position, not by the stored channelIndex, which a damaged settings file may have spoilt.
     const int k = ChannelNumber(&info) - 1;

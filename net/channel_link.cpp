@@ -1,12 +1,11 @@
 #include "net/channel_link.h"
 
-#include "config/channel_info.h"
-#include "platform/messages.h"
-#include "platform/window.h"
+#include "net/net_event_owner.h"
 
 namespace marvolen {
 
-bool ChannelLink::Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver, CWnd* eventOwner) {
+bool ChannelLink::Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver,
+                       NetEventOwner* eventOwner) {
     info = channelInfo;
     sink = firstReceiver;
     owner = eventOwner;
@@ -20,8 +19,7 @@ void ChannelLink::Close() {
 }
 
 void ChannelLink::OnEvent(int code) {
-    if (owner == nullptr) return;
-    owner->PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(info));
+    if (owner != nullptr) owner->PostNetEvent(code, info);
 }
 
 }  // namespace marvolen

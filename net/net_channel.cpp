@@ -10,7 +10,8 @@ namespace marvolen {
 NetChannel::NetChannel() = default;
 NetChannel::~NetChannel() = default;
 
-bool NetChannel::Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver, CWnd* eventOwner) {
+bool NetChannel::Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver,
+                      NetEventOwner* eventOwner) {
     Close();
     ChannelLink::Open(channelInfo, firstReceiver, eventOwner);
 

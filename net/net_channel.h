@@ -21,7 +21,8 @@ public:
     // doesn't suffice, the record's texts make no usable URL, the sink refuses to start or the
     // connect attempt fails at once; no event is posted then. The record is read during Open and
     // its address kept for the events; sink and owner stay alive until Close.
-    bool Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver, CWnd* eventOwner) override;
+    bool Open(ChannelInfo* channelInfo, FrameReceiver* firstReceiver,
+              NetEventOwner* eventOwner) override;
 
     // Destroys the source, which closes its connection: nothing is posted afterwards. Receivers
     // behind the source are not stopped.

@@ -14,7 +14,7 @@ ChannelRecorder::~ChannelRecorder() {
     if (opened) ChannelRecorder::Close(CloseFlag::Ordered);
 }
 
-bool ChannelRecorder::Open(ChannelInfo* channel, FrameReceiver* pane, CWnd* eventOwner) {
+bool ChannelRecorder::Open(ChannelInfo* channel, FrameReceiver* pane, NetEventOwner* eventOwner) {
     Close(CloseFlag::Ordered);
     if (!ChannelLink::Open(channel, pane, eventOwner)) return false;
     source.reset(new (std::nothrow) StreamSource);

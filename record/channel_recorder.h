@@ -6,7 +6,7 @@
 //   StreamSource -> VideoPane -> ChannelRecorder -> RecordWriter
 //
 // holds the record file open, whether or not it records, and posts the channel's network events to
-// the owner window. While recording it passes on the frames that carry a time stamp; it counts all
+// the owner. While recording it passes on the frames that carry a time stamp; it counts all
 // of them, for the watchdog. Interface thread.
 
 #include "config/channel_info.h"
@@ -36,10 +36,10 @@ public:
     ~ChannelRecorder() override;
 
     // Builds the chain through pane and opens or creates the channel's record file. Recording is
-    // off, nothing is connected yet. The arguments are borrowed until Close; eventOwner receives
-    // WM_NETEVENT. False, and closed, when the source can't be made or the record file can be
-    // neither reopened nor created.
-    bool Open(ChannelInfo* channel, FrameReceiver* pane, CWnd* eventOwner) override;
+    // off, nothing is connected yet. The arguments are borrowed until Close; eventOwner hears of
+    // the channel's network events. False, and closed, when the source can't be made or the record
+    // file can be neither reopened nor created.
+    bool Open(ChannelInfo* channel, FrameReceiver* pane, NetEventOwner* eventOwner) override;
 
     // Starts the chain and the connection. False when closed, when a receiver refuses, or when the
     // connect attempt fails at once.

@@ -6,6 +6,7 @@
 #include "config/channel_info.h"
 #include "net/channel_link.h"
 #include "net/frame_receiver.h"
+#include "net/net_event_owner.h"
 #include "platform/text_field.h"
 #include "platform/window.h"
 #include "tests/support/event_loop.h"
@@ -50,11 +51,15 @@ public:
     }
 };
 
-class Owner : public CWnd {
+class Owner : public CWnd, public NetEventOwner {
 public:
     std::vector<int> events;
     std::vector<const ChannelInfo*> records;
     std::function<void(int)> duringEvent;
+
+    void PostNetEvent(int code, ChannelInfo* info) override {
+        PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(info));
+    }
 
 protected:
     void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override {

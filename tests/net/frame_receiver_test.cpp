@@ -9,14 +9,6 @@
 #include <vector>
 
 namespace marvolen {
-
-// The base's own operations need a window. This program does without both.
-bool ChannelLink::Open(ChannelInfo*, FrameReceiver*, CWnd*) {
-    return true;
-}
-void ChannelLink::Close() {}
-void ChannelLink::OnEvent(int) {}
-
 namespace {
 
 class RecordingLink : public ChannelLink {

@@ -1,6 +1,7 @@
 #include "record/channel_recorder.h"
 
 #include "net/frame_pool.h"
+#include "net/net_event_owner.h"
 #include "platform/messages.h"
 #include "platform/text_field.h"
 #include "platform/window.h"
@@ -48,9 +49,13 @@ bool RunUntil(Condition condition, int milliseconds) {
     return loop.exec() == 0;
 }
 
-class EventWindow : public CWnd {
+class EventWindow : public CWnd, public NetEventOwner {
 public:
     std::vector<WPARAM> codes;
+
+    void PostNetEvent(int code, ChannelInfo* info) override {
+        PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(info));
+    }
 
 protected:
     void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM) override {
