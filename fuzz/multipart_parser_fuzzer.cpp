@@ -22,18 +22,17 @@ struct Run {
     MultipartParser parser;
     std::vector<std::uint8_t> seen;  // every frame's time and bytes, one behind the other
 
-    static void OnPicture(void* context, FramePtr frame) {
-        auto* const run = static_cast<Run*>(context);
+    void OnPicture(FramePtr frame) {
         if (frame->Length() > frame->Capacity()) std::abort();
-        const auto note = [run](const void* bytes, std::size_t size) {
+        const auto note = [this](const void* bytes, std::size_t size) {
             const auto* const begin = static_cast<const std::uint8_t*>(bytes);
-            run->seen.insert(run->seen.end(), begin, begin + size);
+            seen.insert(seen.end(), begin, begin + size);
         };
         const std::uint32_t length = frame->Length();
         note(&length, sizeof length);
         if (frame->Time() != nullptr) note(frame->Time(), sizeof(SYSTEMTIME));
         note(frame->Data(), length);
-        run->parser.SetBuffer(std::move(frame));
+        parser.SetBuffer(std::move(frame));
     }
 };
 
@@ -43,7 +42,8 @@ std::vector<std::uint8_t> Parse(std::span<const std::uint8_t> stream, std::uint3
                                 NextSize nextSize) {
     Run run;
     if (!run.pool.Init(capacity, 1)) std::abort();
-    run.parser.Init(run.pool.Acquire(), &Run::OnPicture, &run);
+    run.parser.Init(run.pool.Acquire(),
+                    [&run](FramePtr frame) { run.OnPicture(std::move(frame)); });
     while (!stream.empty()) {
         const std::size_t size = std::min<std::size_t>(nextSize(), stream.size());
         const auto piece = std::make_unique<std::uint8_t[]>(size);

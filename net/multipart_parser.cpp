@@ -32,12 +32,10 @@ std::string_view TextOf(std::span<const std::uint8_t> bytes) {
 
 }  // namespace
 
-bool MultipartParser::Init(FramePtr buffer, PictureFunction pictureFunction, void* pictureContext) {
+void MultipartParser::Init(FramePtr buffer, PictureFunction pictureFunction) {
     frame = std::move(buffer);
-    onPicture = pictureFunction;
-    context = pictureContext;
+    onPicture = std::move(pictureFunction);
     Enter(State::AwaitContentType);
-    return true;
 }
 
 void MultipartParser::SetBuffer(FramePtr buffer) {
@@ -193,7 +191,7 @@ void MultipartParser::OnBody() {
 }
 
 void MultipartParser::HandOver() {
-    onPicture(context, std::move(frame));
+    onPicture(std::move(frame));
 }
 
 }  // namespace marvolen

@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -25,10 +26,10 @@ class MultipartParser {
 public:
     // Receives each finished frame with its ownership. It gives the parser the frame for the next
     // picture with SetBuffer before it returns, and doesn't destroy the parser.
-    using PictureFunction = void (*)(void* context, FramePtr frame);
+    using PictureFunction = std::function<void(FramePtr frame)>;
 
-    // Takes the first buffer and the callback, and awaits the answer's beginning. Always true.
-    bool Init(FramePtr buffer, PictureFunction pictureFunction, void* pictureContext);
+    // Takes the first buffer and the callback, and awaits the answer's beginning.
+    void Init(FramePtr buffer, PictureFunction pictureFunction);
 
     // Consumes all of the bytes, calling back for every picture they complete. Ignores them while
     // the parser has no frame.
@@ -65,8 +66,7 @@ private:
     void HandOver();
 
     FramePtr frame;  // being filled; replaced after each hand-over
-    PictureFunction onPicture = nullptr;
-    void* context = nullptr;
+    PictureFunction onPicture;
     State state = State::AwaitContentType;
     std::size_t matchPos = 0;  // bytes of the state's pattern matched so far; survives feeds
 };

@@ -3,15 +3,13 @@
 #include "net/stream_url.h"
 
 #include <charconv>
+#include <utility>
 
 namespace marvolen {
 
-StreamClient::~StreamClient() {
-    if (destroyed != nullptr) *destroyed = true;
-}
+StreamClient::StreamClient() : socket(*this) {}
 
-bool StreamClient::Connect(std::string_view streamUrl, NotifyFunction notifyFunction,
-                           void* context) {
+bool StreamClient::Connect(std::string_view streamUrl, NotifyFunction notifyFunction) {
     std::string scheme;
     std::string host;
     std::string portText;
@@ -24,24 +22,23 @@ bool StreamClient::Connect(std::string_view streamUrl, NotifyFunction notifyFunc
     std::from_chars(portText.data(), portText.data() + portText.size(), port);
 
     url = streamUrl;
-    notify = notifyFunction;
-    notifyContext = context;
-    if (!Create()) return false;
+    notify = std::move(notifyFunction);
+    if (!socket.Create()) return false;
     settled = false;
-    if (CAsyncSocket::Connect(host, port)) return true;
-    Close();
+    if (socket.Connect(host, port)) return true;
+    socket.Close();
     return false;
 }
 
 bool StreamClient::BuildRequest() {
     std::string request;
     if (!FormRequest(url, request)) return false;
-    Send({reinterpret_cast<const std::uint8_t*>(request.data()), request.size()});
+    socket.Send({reinterpret_cast<const std::uint8_t*>(request.data()), request.size()});
     return true;
 }
 
 std::ptrdiff_t StreamClient::Receive(std::span<std::uint8_t> buffer) {
-    const std::ptrdiff_t received = CAsyncSocket::Receive(buffer);
+    const std::ptrdiff_t received = socket.Receive(buffer);
     if (received == 0 || (received < 0 && GetLastError() != kWouldBlock)) connected = false;
     return received;
 }
@@ -49,26 +46,15 @@ std::ptrdiff_t StreamClient::Receive(std::span<std::uint8_t> buffer) {
 void StreamClient::OnConnect(int error) {
     settled = error == 0 || error == kTimedOut;
     connected = error == 0;
-    if (error != 0) {
-        notify(notifyContext, kConnectFailed);
-        return;
-    }
-    bool gone = false;
-    destroyed = &gone;
-    notify(notifyContext, kConnected);
-    if (gone) return;
-    destroyed = nullptr;
+    if (error != 0) return notify(Notification::ConnectFailed);
+    notify(Notification::Connected);
     // Without a request the server sends nothing; the connection stays until somebody ends it.
-    BuildRequest();
-}
-
-void StreamClient::OnReceive() {
-    notify(notifyContext, kReadable);
+    if (socket.IsOpen()) BuildRequest();
 }
 
 void StreamClient::OnClose() {
     connected = false;
-    notify(notifyContext, kClosed);
+    notify(Notification::Closed);
 }
 
 }  // namespace marvolen

@@ -9,14 +9,15 @@ namespace marvolen {
 
 bool StreamSource::Init(const ChannelInfo& channel) {
     if (!pool.Init(kFrameCapacity, kFrameCount)) return false;
-    parser.Init(pool.Acquire(), &OnPicture, this);
+    parser.Init(pool.Acquire(), [this](FramePtr frame) { OnPicture(std::move(frame)); });
     url = FormStreamUrl(channel);
     return true;
 }
 
 bool StreamSource::Start(ChannelLink* startingLink) {
     if (!FrameReceiver::Start(startingLink)) return false;
-    return client.Connect(url, &OnNotify, this);
+    return client.Connect(
+        url, [this](StreamClient::Notification notification) { OnNotify(notification); });
 }
 
 void StreamSource::Stop() {
@@ -24,23 +25,16 @@ void StreamSource::Stop() {
     FrameReceiver::Stop();
 }
 
-void StreamSource::OnNotify(void* context, std::uint16_t code) {
-    auto* const source = static_cast<StreamSource*>(context);
-    switch (code) {
-        case StreamClient::kConnected:
-            source->PostEvent(NETEVENT_CONNECT);
-            break;
-        case StreamClient::kClosed:
-            source->PostEvent(NETEVENT_CLOSE);
-            break;
-        case StreamClient::kReadable:
-            source->ReceiveOnce();
-            break;
-        case StreamClient::kConnectFailed:
-            source->PostEvent(NETEVENT_ERROR);
-            break;
-        default:
-            break;
+void StreamSource::OnNotify(StreamClient::Notification notification) {
+    switch (notification) {
+        case StreamClient::Notification::Connected:
+            return PostEvent(NETEVENT_CONNECT);
+        case StreamClient::Notification::Closed:
+            return PostEvent(NETEVENT_CLOSE);
+        case StreamClient::Notification::Readable:
+            return ReceiveOnce();
+        case StreamClient::Notification::ConnectFailed:
+            return PostEvent(NETEVENT_ERROR);
     }
 }
 
@@ -58,11 +52,10 @@ void StreamSource::ReceiveOnce() {
 
 // The completed picture travels and the fresh frame takes its place; without a fresh one the
 // picture is dropped and its frame used again.
-void StreamSource::OnPicture(void* context, FramePtr completed) {
-    auto* const source = static_cast<StreamSource*>(context);
-    FramePtr fresh = source->pool.Acquire();
-    if (fresh != nullptr) source->Forward(std::exchange(completed, std::move(fresh)));
-    source->parser.SetBuffer(std::move(completed));
+void StreamSource::OnPicture(FramePtr completed) {
+    FramePtr fresh = pool.Acquire();
+    if (fresh != nullptr) Forward(std::exchange(completed, std::move(fresh)));
+    parser.SetBuffer(std::move(completed));
 }
 
 }  // namespace marvolen

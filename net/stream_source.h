@@ -48,8 +48,8 @@ public:
     bool IsConnected() const { return client.IsConnected(); }
 
 private:
-    static void OnNotify(void* context, std::uint16_t code);
-    static void OnPicture(void* context, FramePtr completed);
+    void OnNotify(StreamClient::Notification notification);
+    void OnPicture(FramePtr completed);
     void ReceiveOnce();
 
     // Destroyed in the reverse order: the parser's frame goes back to the pool, the socket is

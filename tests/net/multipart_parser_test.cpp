@@ -60,7 +60,8 @@ protected:
     Pictures Parse(std::string_view stream, const Sizes& sizes) const {
         Receiver receiver;
         EXPECT_TRUE(receiver.pool.Init(capacity, 2));
-        EXPECT_TRUE(receiver.parser.Init(receiver.pool.Acquire(), &Receiver::OnPicture, &receiver));
+        receiver.parser.Init(receiver.pool.Acquire(),
+                             [&](FramePtr frame) { receiver.OnPicture(std::move(frame)); });
         const auto feed = [&](std::size_t size) {
             const std::vector<std::uint8_t> piece(stream.begin(),
                                                   stream.begin() + static_cast<long>(size));
@@ -93,13 +94,12 @@ private:
         MultipartParser parser;
         Pictures pictures;
 
-        static void OnPicture(void* context, FramePtr frame) {
-            auto* const self = static_cast<Receiver*>(context);
+        void OnPicture(FramePtr frame) {
             const auto bytes = frame->Picture();
             Picture picture{{bytes.begin(), bytes.end()}, {}};
             if (frame->Time() != nullptr) picture.time = *frame->Time();
-            self->pictures.push_back(std::move(picture));
-            self->parser.SetBuffer(self->pool.Acquire());
+            pictures.push_back(std::move(picture));
+            parser.SetBuffer(pool.Acquire());
         }
     };
 };
@@ -269,8 +269,7 @@ TEST(MultipartParserFrameTest, WithoutAFrameEverythingIsIgnored) {
     const std::span bytes(reinterpret_cast<const std::uint8_t*>(answer.data()), answer.size());
     parser.Feed(bytes);  // not initialised
     int pictures = 0;
-    parser.Init(
-        pool.Acquire(), [](void* count, FramePtr) { ++*static_cast<int*>(count); }, &pictures);
+    parser.Init(pool.Acquire(), [&](FramePtr) { ++pictures; });
     parser.Feed(bytes);  // the callback gives no next frame
     EXPECT_EQ(pictures, 1);
 }

@@ -274,20 +274,18 @@ public:
     using StreamClient::OnConnect;
 };
 
-using Codes = std::vector<std::uint16_t>;
+using Notification = StreamClient::Notification;
 
 TEST(StreamClientTest, TimeOutSettlesAndOtherFailuresDoNot) {
     LoopbackListener listener;
-    const auto note = [](void* codes, std::uint16_t code) {
-        static_cast<Codes*>(codes)->push_back(code);
-    };
     for (const int error : {10060, 111, 0}) {
-        Codes codes;
+        std::vector<Notification> codes;
         Client client;
         const std::string url = "http://a:b@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
-        ASSERT_TRUE(client.Connect(url, note, &codes));
+        ASSERT_TRUE(client.Connect(url, [&](Notification code) { codes.push_back(code); }));
         client.OnConnect(error);
-        EXPECT_EQ(codes, Codes{static_cast<std::uint16_t>(error == 0 ? 0 : 3)});
+        ASSERT_EQ(codes.size(), 1U);
+        EXPECT_EQ(codes[0], error == 0 ? Notification::Connected : Notification::ConnectFailed);
         EXPECT_EQ(client.HasSettled(), error != 111);
         EXPECT_EQ(client.IsConnected(), error == 0);
         client.Close();
@@ -296,12 +294,11 @@ TEST(StreamClientTest, TimeOutSettlesAndOtherFailuresDoNot) {
 }
 
 TEST(StreamClientTest, TakesOnlyHttp) {
-    const auto never = [](void*, std::uint16_t) { FAIL(); };
+    const auto never = [](Notification) { FAIL(); };
     for (const std::string url : {"HTTP://a:b@127.0.0.1:80/", "https://a:b@127.0.0.1:80/",
                                   "http://a:b@127.0.0.1:/", "http://127.0.0.1:80/", ""}) {
         StreamClient client;
-        EXPECT_FALSE(client.Connect(url, never, nullptr)) << url;
-        EXPECT_FALSE(client.IsOpen());
+        EXPECT_FALSE(client.Connect(url, never)) << url;
     }
     EXPECT_TRUE(ComesToRest());
 }
@@ -312,10 +309,8 @@ TEST(StreamClientTest, SendsNothingWhenAComponentIsTooLong) {
     const std::string url = "http://" + std::string(260, 'u') +
                             ":p@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
     bool connected = false;
-    const auto note = [](void* flag, std::uint16_t code) {
-        *static_cast<bool*>(flag) = code == StreamClient::kConnected;
-    };
-    ASSERT_TRUE(client.Connect(url, note, &connected));
+    const auto note = [&](Notification code) { connected = code == Notification::Connected; };
+    ASSERT_TRUE(client.Connect(url, note));
     LoopbackPeer camera = listener.Accept();
     ASSERT_TRUE(WaitUntil([&] { return connected; }));
     EXPECT_TRUE(client.IsConnected()) << "the connection stays open";
@@ -324,15 +319,16 @@ TEST(StreamClientTest, SendsNothingWhenAComponentIsTooLong) {
     EXPECT_EQ(camera.ReceiveUntil("\r\n\r\n"), "");
 }
 
-TEST(StreamClientTest, MayEndWithinItsNotification) {
+TEST(StreamClientTest, MayCloseWithinItsNotification) {
     LoopbackListener listener;
     const std::string url = "http://a:b@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
-    auto client = std::make_unique<StreamClient>();
-    const auto end = [](void* owned, std::uint16_t) {
-        static_cast<std::unique_ptr<StreamClient>*>(owned)->reset();
-    };
-    ASSERT_TRUE(client->Connect(url, end, &client));
-    EXPECT_TRUE(WaitUntil([&] { return client == nullptr; }));
+    StreamClient client;
+    bool told = false;
+    ASSERT_TRUE(client.Connect(url, [&](Notification) {
+        client.Close();
+        told = true;
+    }));
+    EXPECT_TRUE(WaitUntil([&] { return told; }));
     EXPECT_EQ(listener.Accept().ReceiveUntil("\r\n\r\n"), "");
 }
 
