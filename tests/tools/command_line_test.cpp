@@ -65,11 +65,11 @@ TEST(CommandLineTest, MistakesAreNamed) {
 TEST(CommandLineTest, HelpNamesEveryOptionFaultAndCommand) {
     const std::string help = HelpText();
     for (const char* word :
-         {"--address",  "--port",           "--channels",      "--user",     "--password",
-          "--no-auth",  "--single",         "--sent-dir",      "--loop",     "--render-threads",
-          "--folder",   "--write-settings", "--settings-only", "--names",    "--record-path",
-          "--max-size", "--camera-row",     "--size-row",      "--rate-row", "--fault",
-          "bit-flip",   "drop C",           "stats",           "quit"}) {
+         {"--address",        "--port",          "--channels", "--user",        "--password",
+          "--no-auth",        "--single",        "--sent-dir", "--loop",        "--folder",
+          "--write-settings", "--settings-only", "--names",    "--record-path", "--max-size",
+          "--camera-row",     "--size-row",      "--rate-row", "--fault",       "bit-flip",
+          "drop C",           "stats",           "quit"}) {
         EXPECT_NE(help.find(word), std::string::npos) << word;
     }
 }

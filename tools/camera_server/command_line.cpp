@@ -98,7 +98,6 @@ private:
     void AddPictureOptions() {
         AddText("--folder", line.folder);
         AddInt("--loop", loopLength, 1, 3000);
-        AddInt("--render-threads", line.renderThreads, 1, 64);
     }
 
     void AddSettingsOptions() {
@@ -159,7 +158,7 @@ private:
     std::map<std::string, Setter> options;
     std::map<std::string, std::function<void()>> flags;
     int port = 8101;
-    int loopLength = 60;
+    int loopLength = 120;
     std::vector<std::string> faults;
     std::vector<std::string> singles;
 };
@@ -187,11 +186,10 @@ Serving
                      and DIR/pictures/HASH.jpg, every distinct picture once
 
 Pictures
-  --loop N           pictures in the loop of a painted scene (60, 2 seconds)
-  --render-threads N threads that paint, at low priority (one a processor)
+  --loop N           pictures in the loop of a camera (120, 4 seconds)
   --folder DIR       serve the JPEG files of DIR, in the order of their names,
-                     instead of painted scenes
-  Of a request's options, camera (1 to 4) chooses another scene; fmt is full
+                     instead of the sixteen places
+  Of a request's options, camera (1 to 4) chooses another place; fmt is full
   (704x480), sif (352x240) or qsif (176x120); delay adds that many hundredths
   of a second to the time between pictures.
 

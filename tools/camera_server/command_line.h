@@ -13,10 +13,9 @@ namespace marvolen {
 struct CommandLine {
     bool help = false;
     CameraServerOptions server;
-    std::string folder;           // --folder; empty: painted scenes
-    std::size_t loopLength = 60;  // --loop, pictures per painted loop
-    int renderThreads = 0;        // --render-threads; 0: as many as there are processors
-    std::string settingsFile;     // --write-settings; empty: none
+    std::string folder;            // --folder; empty: the sixteen places
+    std::size_t loopLength = 120;  // --loop, pictures
+    std::string settingsFile;      // --write-settings; empty: none
     std::vector<std::string> names;
     std::string recordPath;  // "%d" or "%02d" stands for the channel number
     int maxSizeMB = 1024;

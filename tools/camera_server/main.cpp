@@ -6,8 +6,8 @@
 #include "tools/camera_server/command_line.h"
 #include "tools/camera_server/control.h"
 #include "tools/camera_server/folder_pictures.h"
-#include "tools/camera_server/scenes/painted_pictures.h"
 #include "tools/camera_server/settings_writer.h"
+#include "tools/camera_server/still_pictures.h"
 
 #include <QGuiApplication>
 
@@ -77,11 +77,7 @@ void RunUntilTold(CameraServer& server, int channelCount, const Descriptor& sign
 
 std::shared_ptr<PictureSource> MakePictures(const CommandLine& commandLine) {
     if (commandLine.folder.empty()) {
-        return std::make_shared<PaintedPictures>(
-            PaintedOptions{.loopLength = commandLine.loopLength,
-                           .threads = commandLine.renderThreads,
-                           .lowPriority = true,
-                           .names = commandLine.names});
+        return std::make_shared<StillPictures>(commandLine.loopLength, commandLine.names);
     }
     auto folder = std::make_shared<FolderPictures>();
     if (!folder->Load(commandLine.folder)) return nullptr;

@@ -1,8 +1,8 @@
 #pragma once
 
 // Pictures for tests of everything but decoding: made-up bytes between a JPEG's start and end
-// markers, different for every view and position, at no cost worth mentioning. They don't decode.
-// Tests that look at pictures use PaintedPictures (scenes/painted_pictures.h).
+// markers, different for every view and position, at no cost worth mentioning. They don't decode;
+// StillPictures do.
 
 #include "tools/camera_server/picture_source.h"
 
