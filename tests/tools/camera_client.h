@@ -107,26 +107,20 @@ struct ReceivedPicture {
 
 // The pictures that the program would see in an answer.
 inline std::vector<ReceivedPicture> PicturesIn(std::string_view answer) {
-    struct Receiver {
-        FramePool pool;
-        MultipartParser parser;
-        std::vector<ReceivedPicture> pictures;
-    } receiver;
-    EXPECT_TRUE(receiver.pool.Init(kFrameCapacity, 2));
-    const auto take = [](void* context, FramePtr frame) {
-        auto& r = *static_cast<Receiver*>(context);
-        ReceivedPicture picture;
+    FramePool pool;
+    MultipartParser parser;
+    std::vector<ReceivedPicture> pictures;
+    EXPECT_TRUE(pool.Init(kFrameCapacity, 2));
+    parser.Init(pool.Acquire(), [&](FramePtr frame) {
+        ReceivedPicture& picture = pictures.emplace_back();
         picture.bytes.assign(reinterpret_cast<const char*>(frame->Data()), frame->Length());
         picture.hasTime = frame->Time() != nullptr;
         if (picture.hasTime) picture.time = *frame->Time();
-        r.pictures.push_back(std::move(picture));
-        r.parser.SetBuffer(std::move(frame));
-    };
-    FramePtr first = receiver.pool.Acquire();
-    receiver.parser.Init(std::move(first), take, &receiver);
-    receiver.parser.Feed({reinterpret_cast<const std::uint8_t*>(answer.data()), answer.size()});
-    receiver.parser.SetBuffer(nullptr);
-    return std::move(receiver.pictures);
+        parser.SetBuffer(std::move(frame));
+    });
+    parser.Feed({reinterpret_cast<const std::uint8_t*>(answer.data()), answer.size()});
+    parser.SetBuffer(nullptr);
+    return pictures;
 }
 
 inline std::string BytesOf(const Picture& picture) {
