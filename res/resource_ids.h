@@ -13,8 +13,8 @@ inline constexpr int IDR_MAIN_ICON = 128;
 inline constexpr int IDB_LOGO = 139;
 inline constexpr int IDI_NEXT_PAGE = 144;
 inline constexpr int IDI_PREVIOUS_PAGE = 145;
-inline constexpr int IDC_DROP_CURSOR = 149;   // dragging a tab onto another
-inline constexpr int IDC_CLEAR_CURSOR = 150;  // dragging a tab where dropping it clears
+inline constexpr int IDC_CLEAR_CURSOR = 149;  // dragging a tab over no tab: dropping it clears
+inline constexpr int IDC_DROP_CURSOR = 150;   // dragging a tab over another
 
 // System menu command, compared with its low four bits masked off.
 inline constexpr int SC_ABOUT = 0x10;

@@ -2,6 +2,7 @@
 
 #include "res/resource_ids.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -39,6 +40,7 @@ QString ImageFile(int id) {
 }
 
 QPixmap Draw(const QString& file, QSize size, qreal devicePixelRatio) {
+    if (file.isEmpty()) return {};
     RegisterResources();
     QSvgRenderer renderer(file);
     if (!renderer.isValid()) return {};
@@ -59,6 +61,9 @@ QPixmap Tinted(QPixmap shape, const QColor& colour) {
     painter.fillRect(QRectF(QPointF(0, 0), shape.deviceIndependentSize()), colour);
     return shape;
 }
+
+constexpr QSize kCursorSize(24, 24);
+constexpr QPoint kCursorHotSpot(8, 8);
 
 }  // namespace
 
@@ -106,6 +111,12 @@ QIcon LoadTintedIcon(int id, const QPalette& palette) {
         }
     }
     return icon;
+}
+
+QCursor LoadCursor(int id) {
+    const QPixmap shape = LoadImage(id, kCursorSize, qGuiApp->devicePixelRatio());
+    if (shape.isNull()) return QCursor(Qt::ArrowCursor);
+    return QCursor(shape, kCursorHotSpot.x(), kCursorHotSpot.y());
 }
 
 }  // namespace marvolen

@@ -3,6 +3,7 @@
 // The program's pictures and texts, compiled in. Vector art is drawn at the resolution asked for.
 // Interface thread only.
 
+#include <QCursor>
 #include <QIcon>
 #include <QPalette>
 #include <QPixmap>
@@ -26,6 +27,11 @@ QIcon LoadIcon(int id);
 // The icon of an id, its shape filled with the palette's ButtonText: of the active group, and of
 // the disabled one where the icon is disabled. Follows no change of the palette; load it anew then.
 QIcon LoadTintedIcon(int id, const QPalette& palette);
+
+// The mouse cursor of an id, 24 device-independent pixels wide and high, sharp at the screen's
+// device pixel ratio. It points with the middle of the tab it shows. The standard arrow when there
+// is no such cursor.
+QCursor LoadCursor(int id);
 
 // Size of a status mark, device-independent pixels.
 inline constexpr QSize kStatusMarkSize(32, 21);
