@@ -2,9 +2,7 @@
 
 #include "app/log_text.h"
 #include "platform/dialog.h"
-
-#include <QFile>
-#include <QFileDialog>
+#include "platform/file_chooser.h"
 
 #include <optional>
 #include <span>
@@ -14,19 +12,12 @@ namespace {
 
 // The file the user chose, nothing when he cancelled.
 std::optional<std::string> ChooseLogFile(QWidget* parent) {
-    QFileDialog dialog(parent);
-    dialog.setWindowTitle(QStringLiteral("Save as"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    // The last parentheses are the patterns and stay hidden: "*.*" would be taken at its word, and
-    // leave out the files without a dot.
-    dialog.setOption(QFileDialog::HideNameFilterDetails);
-    dialog.setNameFilters(
-        {QStringLiteral("CVS Files (*.csv)(*.csv)"), QStringLiteral("All Files (*.*)(*)")});
-    dialog.setDefaultSuffix(QStringLiteral("csv"));
-    dialog.selectFile(QStringLiteral("message.csv"));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return QFile::encodeName(dialog.selectedFiles().first()).toStdString();
+    FileChooserOptions options;
+    options.title = QStringLiteral("Save as");
+    options.filters = QStringLiteral("CVS Files (*.csv)|*.csv|All Files (*.*)|*.*||");
+    options.defaultExtension = QStringLiteral("csv");
+    options.initialName = QStringLiteral("message.csv");
+    return ChooseFileToSave(parent, options);
 }
 
 }  // namespace
