@@ -61,25 +61,22 @@ private:
 };
 
 TEST(FileChooser, KnowsFiltersExtensionAndProposedName) {
-    const test::TemporaryFolder folder;
     FileChooserOptions options;
     options.filters = QStringLiteral("Pictures|*.jpg;*.jpeg|All Files (*.*)|*.*||");
     options.defaultExtension = QStringLiteral("dbt");
     options.initialName = QStringLiteral("chl07");
-    const std::string path = folder.Path().string() + "/";
     struct {
         const char* typed;
         const char* chosen;
     } const cases[] = {{"", "chl07.dbt"}, {"gate", "gate.dbt"}, {"gate.x", "gate.x"}};
     for (const auto& each : cases) {
         User user;
-        EXPECT_EQ(user.Choose(ChooseFileToSave, options, QString::fromUtf8(each.typed)),
-                  path + each.chosen);
+        const auto chosen = user.Choose(ChooseFileToSave, options, QString::fromUtf8(each.typed));
+        EXPECT_EQ(std::filesystem::path(chosen.value_or("/")).filename(), each.chosen);
         EXPECT_EQ(user.proposed, options.initialName);
         EXPECT_EQ(user.filters, (QStringList{QStringLiteral("Pictures(*.jpg *.jpeg)"),
                                              QStringLiteral("All Files (*.*)(*)")}));
     }
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
 TEST(FileChooser, AsksBeforeAnExistingFileIsTakenWhereWanted) {
