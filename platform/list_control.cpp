@@ -1,8 +1,8 @@
 #include "platform/list_control.h"
 
+#include "platform/clipboard.h"
+
 #include <QAbstractTableModel>
-#include <QApplication>
-#include <QClipboard>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -206,7 +206,7 @@ void CListCtrl::CopySelectedItem() const {
     if (!item) return;
     QStringList texts;
     for (int column = 0; column < GetColumnCount(); ++column) texts.append(item->Text(column));
-    QApplication::clipboard()->setText(texts.join(QLatin1Char('\t')));
+    SetClipboardText(texts.join(QLatin1Char('\t')));
 }
 
 void CListCtrl::OnColumnClick(int) {}
