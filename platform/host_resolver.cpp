@@ -1,10 +1,10 @@
 #include "platform/host_resolver.h"
 
+#include "platform/thread_annotations.h"
 #include "platform/thread_priority.h"
 
 #include <arpa/inet.h>
 #include <map>
-#include <mutex>
 #include <netdb.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -46,7 +46,7 @@ public:
 
     // Adds a waiter to the name's job, which is begun when there is none.
     std::shared_ptr<Job> Join(const std::string& name, int wake) {
-        const std::scoped_lock guard(lock);
+        const MutexLock guard(lock);
         std::shared_ptr<Job>& job = running[name];
         if (job == nullptr) {
             job = std::make_shared<Job>();
@@ -61,29 +61,29 @@ public:
 
     // wake isn't written to any more.
     void Leave(Job& job, int wake) {
-        const std::scoped_lock guard(lock);
+        const MutexLock guard(lock);
         std::erase(job.waiting, wake);
     }
 
     std::optional<Ipv4Address> Result(const Job& job) {
-        const std::scoped_lock guard(lock);
+        const MutexLock guard(lock);
         return job.address;
     }
 
     HostLookup ReplaceLookup(HostLookup replacement) {
-        const std::scoped_lock guard(lock);
+        const MutexLock guard(lock);
         running.clear();  // those under way finish for who waits already, nobody joins them
         return std::exchange(lookup, std::move(replacement));
     }
 
 private:
-    void Begin(const std::string& name, const std::shared_ptr<Job>& job) {
+    void Begin(const std::string& name, const std::shared_ptr<Job>& job) REQUIRES(lock) {
         try {
             std::thread([self = shared_from_this(), name, job, find = lookup] {
                 // The interface thread, whose priority this one inherited, comes first.
                 SetThreadPriority(ThreadPriority::Normal);
                 const std::optional<Ipv4Address> address = find(name);
-                const std::scoped_lock guard(self->lock);
+                const MutexLock guard(self->lock);
                 self->Finish(name, job, address);
             }).detach();
         } catch (const std::system_error&) {
@@ -92,17 +92,16 @@ private:
     }
 
     void Finish(const std::string& name, const std::shared_ptr<Job>& job,
-                std::optional<Ipv4Address> address) {
+                std::optional<Ipv4Address> address) REQUIRES(lock) {
         const auto entry = running.find(name);
         if (entry != running.end() && entry->second == job) running.erase(entry);
         job->address = address;
         for (const int wake : job->waiting) eventfd_write(wake, 1);
     }
 
-    std::mutex lock;
-    // Guarded by lock.
-    std::map<std::string, std::shared_ptr<Job>> running;
-    HostLookup lookup = LookUpWithSystem;
+    Mutex lock;
+    std::map<std::string, std::shared_ptr<Job>> running GUARDED_BY(lock);
+    HostLookup lookup GUARDED_BY(lock) = LookUpWithSystem;
 };
 
 std::optional<Ipv4Address> ParseAddress(std::string_view text) {

@@ -1,5 +1,7 @@
 #include "platform/window.h"
 
+#include "platform/ui_activity.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
@@ -7,82 +9,96 @@
 
 #include <algorithm>
 #include <atomic>
-#include <deque>
 #include <limits>
 #include <map>
-#include <mutex>
+#include <optional>
 
 namespace marvolen {
+namespace {
 
-// The toolkit's side of a window. Messages wait in a queue of our own; each is announced by one
-// queued toolkit event, so they keep their order among the toolkit's other events.
+constexpr QEvent::Type kMessageEvent = QEvent::User;
+
+// One posted message on its way.
+class MessageEvent final : public QEvent {
+public:
+    MessageEvent(std::uint32_t itsMessage, WPARAM itsWParam, LPARAM itsLParam)
+        : QEvent(kMessageEvent),
+          message(itsMessage),
+          wParam(itsWParam),
+          lParam(itsLParam),
+          waiting(std::in_place, WaitingMessage::Kind::Message) {}
+
+    const std::uint32_t message;
+    const WPARAM wParam;
+    const LPARAM lParam;
+    std::optional<WaitingMessage> waiting;
+};
+
+}  // namespace
+
+// The toolkit's side of a window.
 class CWnd::Receiver final : public QObject {
 public:
     explicit Receiver(CWnd& target) : window(target) {}
 
-    // The announcement is made before `waiting` is counted up, and read after that is, so that it
-    // is known to be complete even where the toolkit's own locking isn't seen (ThreadSanitizer).
+    // The toolkit drops what is still on its way; it, too, must be known to be complete.
+    ~Receiver() override { SeePosted(); }
+
+    // An event is complete before it is counted, and looked at after the count is. So it is even
+    // where the toolkit's own locking isn't seen (ThreadSanitizer).
     void Post(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
-        auto announcement = std::make_unique<QEvent>(QEvent::User);
-        {
-            const std::lock_guard guard(mutex);
-            queue.push_back({message, wParam, lParam});
-        }
-        waiting.fetch_add(1, std::memory_order_release);
-        QCoreApplication::postEvent(this, announcement.release());
+        auto event = std::make_unique<MessageEvent>(message, wParam, lParam);
+        posted.fetch_add(1, std::memory_order_release);
+        QCoreApplication::postEvent(this, event.release());
     }
 
     void Set(std::uint32_t id, std::uint32_t milliseconds) {
         Kill(id);
         constexpr std::uint32_t kLongest = std::numeric_limits<int>::max();
         const int period = static_cast<int>(std::min(milliseconds, kLongest));
-        timers[id] = startTimer(period, Qt::PreciseTimer);
+        timers.try_emplace(id, startTimer(period, Qt::PreciseTimer),
+                           std::chrono::milliseconds(period));
     }
 
     void Kill(std::uint32_t id) {
         const auto found = timers.find(id);
         if (found == timers.end()) return;
-        killTimer(found->second);
+        killTimer(found->second.toolkitId);
         timers.erase(found);
     }
 
 protected:
     bool event(QEvent* event) override {
-        const bool announced =
-            waiting.load(std::memory_order_acquire) > 0 && event->type() == QEvent::User;
-        if (!announced) return QObject::event(event);
-        waiting.fetch_sub(1, std::memory_order_relaxed);
-        Message next;
-        {
-            const std::lock_guard guard(mutex);
-            next = queue.front();
-            queue.pop_front();
-        }
-        window.OnMessage(next.message, next.wParam, next.lParam);
+        SeePosted();
+        if (event->type() != kMessageEvent) return QObject::event(event);
+        auto& posting = static_cast<MessageEvent&>(*event);
+        posting.waiting.reset();
+        window.OnMessage(posting.message, posting.wParam, posting.lParam);
         return true;
     }
 
     void timerEvent(QTimerEvent* event) override {
-        for (const auto& [id, timer] : timers) {
-            if (timer != event->timerId()) continue;
+        for (auto& [id, timer] : timers) {
+            if (timer.toolkitId != event->timerId()) continue;
+            timer.armed.Ticked();
             window.OnTimer(id);
             return;
         }
     }
 
 private:
-    struct Message {
-        std::uint32_t message = 0;
-        WPARAM wParam = 0;
-        LPARAM lParam = 0;
+    struct Timer {
+        Timer(int itsToolkitId, std::chrono::milliseconds period)
+            : toolkitId(itsToolkitId), armed(period) {}
+        const int toolkitId;
+        ArmedTimer armed;
     };
 
-    CWnd& window;
-    std::map<std::uint32_t, int> timers;  // our id to the toolkit's
+    void SeePosted() const { static_cast<void>(posted.load(std::memory_order_acquire)); }
 
-    std::atomic<std::size_t> waiting = 0;  // announced and not yet taken
-    std::mutex mutex;
-    std::deque<Message> queue;  // guarded by mutex
+    CWnd& window;
+    std::map<std::uint32_t, Timer> timers;
+    std::atomic<std::size_t> posted = 0;
 };
 
 CWnd::CWnd() : receiver(std::make_unique<Receiver>(*this)) {}
