@@ -64,7 +64,7 @@ void CLogoBox::paintEvent(QPaintEvent*) {
 void CLogoBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
         event->key() == Qt::Key_Enter) {
-        if (!event->isAutoRepeat()) NotifyParent(STN_CLICKED);
+        if (!event->isAutoRepeat()) Press();
     } else {
         CStatic::keyPressEvent(event);
     }
@@ -82,7 +82,6 @@ void CLogoBox::focusOutEvent(QFocusEvent* event) {
 
 CControlPanelDlg::CControlPanelDlg(CDialog* itsMainWindow)
     : CDialog(itsMainWindow), mainWindow(*itsMainWindow) {
-    setWindowFlags(Qt::Widget);
     setMouseTracking(true);
     auto* groups = new QVBoxLayout(this);
     groups->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
@@ -91,11 +90,20 @@ CControlPanelDlg::CControlPanelDlg(CDialog* itsMainWindow)
     groups->addWidget(MakeManagementGroup());
     groups->addWidget(MakeMessageGroup(), 1);
     groups->addWidget(MakePageGroup());
-    groups->addWidget(MakeButton(IDC_EXIT, QStringLiteral("Exit"), QStringLiteral("Exit")));
+    groups->addWidget(MakeButton(IDC_EXIT, QStringLiteral("Exit"), QStringLiteral("Exit"),
+                                 &CControlPanelDlg::exitRequested));
 }
 
 QPushButton* CControlPanelDlg::MakeButton(int id, const QString& text,
-                                          const QString& accessibleName) {
+                                          const QString& accessibleName,
+                                          void (CControlPanelDlg::*command)()) {
+    QPushButton* button = MakePlainButton(id, text, accessibleName);
+    connect(button, &QPushButton::clicked, this, command);
+    return button;
+}
+
+QPushButton* CControlPanelDlg::MakePlainButton(int id, const QString& text,
+                                               const QString& accessibleName) {
     auto* button = new QPushButton(text, this);
     // Enter must never start a recording that nobody aimed at.
     button->setAutoDefault(false);
@@ -107,16 +115,20 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
     auto* group = new QGroupBox(QStringLiteral("Recording"), this);
     auto* buttons = new QVBoxLayout;
     buttons->setSpacing(kSpacing);
-    recordToggle = MakeButton(IDC_RECORD_TOGGLE, QStringLiteral("Start"),
-                              QStringLiteral("Start or stop recording the selected channel"));
+    recordToggle = MakeButton(IDC_RECORD_TOGGLE, QStringLiteral("Start"), QString(),
+                              &CControlPanelDlg::toggleRecordingRequested);
+    ShowRecording(false);
     buttons->addWidget(recordToggle);
     buttons->addWidget(MakeButton(IDC_STOP_ALL, QStringLiteral("Stop All"),
-                                  QStringLiteral("Stop recording all channels")));
+                                  QStringLiteral("Stop All: stop recording all channels"),
+                                  &CControlPanelDlg::stopAllRequested));
     buttons->addWidget(MakeButton(IDC_START_ALL, QStringLiteral("Start All"),
-                                  QStringLiteral("Start recording all channels")));
+                                  QStringLiteral("Start All: record all channels"),
+                                  &CControlPanelDlg::startAllRequested));
     buttons->addStretch();
     auto* logo = new CLogoBox(this);
     AddControl(logo, IDC_LOGO, QStringLiteral("About Marvolen"));
+    connect(logo, &CLogoBox::clicked, this, &CControlPanelDlg::aboutRequested);
     auto* layout = MakeLayout<QHBoxLayout>(group);
     layout->setSpacing(2 * kSpacing);
     layout->addLayout(buttons, 1);
@@ -127,10 +139,12 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
 QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
     auto* layout = MakeLayout<QHBoxLayout>(group);
-    QPushButton* setting =
-        MakeButton(IDC_SETTING, QStringLiteral("Setting ..."), QStringLiteral("Channel settings"));
-    QPushButton* playback =
-        MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."), QStringLiteral("Playback"));
+    QPushButton* setting = MakeButton(IDC_SETTING, QStringLiteral("Setting ..."),
+                                      QStringLiteral("Setting ... of the channels"),
+                                      &CControlPanelDlg::settingRequested);
+    QPushButton* playback = MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
+                                       QStringLiteral("Playback ... of recordings"),
+                                       &CControlPanelDlg::playbackRequested);
     // Disabled as long as there are no dialogs for them to open.
     setting->setEnabled(false);
     playback->setEnabled(false);
@@ -147,35 +161,41 @@ QGroupBox* CControlPanelDlg::MakeMessageGroup() {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kSpacing);
     buttons->addWidget(MakeButton(IDC_LOG_CLEAN, QStringLiteral("Clean"),
-                                  QStringLiteral("Clean the message log")));
+                                  QStringLiteral("Clean the message log"),
+                                  &CControlPanelDlg::cleanLogRequested));
     buttons->addWidget(MakeButton(IDC_LOG_SAVE, QStringLiteral("Save as..."),
-                                  QStringLiteral("Save the message log as a file")));
+                                  QStringLiteral("Save as... a file: the message log"),
+                                  &CControlPanelDlg::saveLogRequested));
     auto* layout = MakeLayout<QVBoxLayout>(group);
     layout->addWidget(messageList, 1);
     layout->addLayout(buttons);
     return group;
 }
 
-QGroupBox* CControlPanelDlg::MakePageGroup() {
-    auto* group = new QGroupBox(QStringLiteral("Page/View Option"), this);
-    auto* pages = new QHBoxLayout;
-    pages->setSpacing(kSpacing);
-    previousPage = MakeButton(IDC_PREVIOUS_PAGE, QString(), QStringLiteral("Previous page"));
-    nextPage = MakeButton(IDC_NEXT_PAGE, QString(), QStringLiteral("Next page"));
+QHBoxLayout* CControlPanelDlg::MakePageRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    previousPage = MakePlainButton(IDC_PREVIOUS_PAGE, QString(), QStringLiteral("Previous page"));
+    nextPage = MakePlainButton(IDC_NEXT_PAGE, QString(), QStringLiteral("Next page"));
+    connect(previousPage, &QPushButton::clicked, this, [this] { Q_EMIT turnPageRequested(-1); });
+    connect(nextPage, &QPushButton::clicked, this, [this] { Q_EMIT turnPageRequested(+1); });
     pageText = new QLabel(QStringLiteral("P/P"), this);
     pageText->setAlignment(Qt::AlignCenter);
     AddControl(pageText, IDC_PAGE_TEXT, QStringLiteral("Page"));
-    pages->addWidget(previousPage);
-    pages->addWidget(pageText, 1);
-    pages->addWidget(nextPage);
+    row->addWidget(previousPage);
+    row->addWidget(pageText, 1);
+    row->addWidget(nextPage);
+    return row;
+}
 
-    auto* views = new QHBoxLayout;
-    views->setSpacing(kSpacing);
+QHBoxLayout* CControlPanelDlg::MakeViewRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
     for (std::size_t k = 0; k < std::size(kViewButtons); ++k) {
         const ViewButton& description = kViewButtons[k];
         const QString text = QLatin1String(description.text);
-        QPushButton* button =
-            MakeButton(description.id, text, QStringLiteral("Show %1 channels").arg(text));
+        QPushButton* button = MakePlainButton(description.id, text,
+                                              QStringLiteral("%1: panes seen at once").arg(text));
         button->setCheckable(true);
         button->setAutoExclusive(true);
         // The Tab key leads to the checked one, the arrow keys from there to the others.
@@ -183,16 +203,22 @@ QGroupBox* CControlPanelDlg::MakePageGroup() {
         connect(button, &QPushButton::toggled, button, [button](bool checked) {
             button->setFocusPolicy(checked ? Qt::StrongFocus : Qt::ClickFocus);
         });
+        connect(button, &QPushButton::clicked, this,
+                [this, view = description.view] { Q_EMIT viewRequested(view); });
         viewButtons[k] = button;
-        views->addWidget(button);
+        row->addWidget(button);
     }
+    return row;
+}
 
+QGroupBox* CControlPanelDlg::MakePageGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Page/View Option"), this);
     enablePopup = new QCheckBox(QStringLiteral("Enable Pop Up"), this);
     AddControl(enablePopup, IDC_ENABLE_POPUP, QStringLiteral("Enable Pop Up"));
-
+    connect(enablePopup, &QCheckBox::clicked, this, &CControlPanelDlg::enablePopupRequested);
     auto* layout = MakeLayout<QVBoxLayout>(group);
-    layout->addLayout(pages);
-    layout->addLayout(views);
+    layout->addLayout(MakePageRow());
+    layout->addLayout(MakeViewRow());
     layout->addWidget(enablePopup);
     return group;
 }
@@ -230,10 +256,13 @@ void CControlPanelDlg::ShowPaging(const Paging& paging) {
     previousPage->setEnabled(paging.HasPrevious());
     nextPage->setEnabled(paging.HasNext());
     pageText->setText(QString::fromStdString(paging.Text()));
+    pageText->setAccessibleName(QStringLiteral("Page %1").arg(pageText->text()));
 }
 
 void CControlPanelDlg::ShowRecording(bool recording) {
-    recordToggle->setText(recording ? QStringLiteral("Stop") : QStringLiteral("Start"));
+    const QString text = recording ? QStringLiteral("Stop") : QStringLiteral("Start");
+    recordToggle->setText(text);
+    recordToggle->setAccessibleName(text + QStringLiteral(" recording the selected channel"));
 }
 
 bool CControlPanelDlg::IsPopupEnabled() const {
@@ -245,11 +274,6 @@ QSize CControlPanelDlg::PanelSize(int maxHeight) const {
     const QSize wanted = MapDialogUnits(kTemplateUnits);
     return {std::max(wanted.width(), least.width()),
             std::max(std::min(wanted.height(), maxHeight), least.height())};
-}
-
-// The panel never ends by itself: Escape closes the main window, which hears of it here.
-void CControlPanelDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
-    mainWindow.PostMessage(WM_COMMAND, wParam, lParam);
 }
 
 void CControlPanelDlg::mouseMoveEvent(QMouseEvent* event) {

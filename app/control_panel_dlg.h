@@ -1,7 +1,7 @@
 #pragma once
 
-// The control panel along the main window's right edge. It decides nothing: every command of its
-// controls is posted on to the main window under the same id. Interface thread only.
+// The control panel along the main window's right edge. It decides nothing: each command of its
+// controls is a signal. Interface thread only.
 
 #include "app/paging.h"
 #include "app/sort_list_ctrl.h"
@@ -10,12 +10,13 @@
 
 class QCheckBox;
 class QGroupBox;
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 
 namespace marvolen {
 
-// The status box: the program's logo at its top-left corner. A click is a command.
+// The status box: the program's logo at its top-left corner, to be clicked.
 class CLogoBox final : public CStatic {
     Q_OBJECT
 
@@ -35,8 +36,8 @@ class CControlPanelDlg final : public CDialog {
     Q_OBJECT
 
 public:
-    // A child of the main window, which receives its commands.
-    explicit CControlPanelDlg(CDialog* mainWindow);
+    // A child of the main window, which is told where the mouse moves (WM_POPUPPANE).
+    explicit CControlPanelDlg(CDialog* itsMainWindow);
 
     // Puts the arrows on "P" and "N", in the colours and size of the buttons' texts.
     void LoadPageIcons();
@@ -62,8 +63,23 @@ public:
     // need it, and no higher than maxHeight as long as its controls fit.
     QSize PanelSize(int maxHeight) const;
 
+Q_SIGNALS:
+    // The user's commands, emitted within the click that gives them. Whoever acts on one takes it
+    // queued: it may open a dialog, hide the control or end the program.
+    void toggleRecordingRequested();  // "Start", "Stop": of the selected channel
+    void stopAllRequested();
+    void startAllRequested();
+    void aboutRequested();
+    void settingRequested();
+    void playbackRequested();
+    void cleanLogRequested();
+    void saveLogRequested();
+    void turnPageRequested(int step);  // -1, +1
+    void viewRequested(ViewMode view);
+    void enablePopupRequested(bool on);
+    void exitRequested();
+
 protected:
-    void OnCommand(WPARAM wParam, LPARAM lParam) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -73,7 +89,11 @@ private:
     QGroupBox* MakeManagementGroup();
     QGroupBox* MakeMessageGroup();
     QGroupBox* MakePageGroup();
-    QPushButton* MakeButton(int id, const QString& text, const QString& accessibleName);
+    QHBoxLayout* MakePageRow();
+    QHBoxLayout* MakeViewRow();
+    QPushButton* MakeButton(int id, const QString& text, const QString& accessibleName,
+                            void (CControlPanelDlg::*command)());
+    QPushButton* MakePlainButton(int id, const QString& text, const QString& accessibleName);
 
     CDialog& mainWindow;
     QPushButton* recordToggle = nullptr;

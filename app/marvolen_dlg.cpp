@@ -21,7 +21,7 @@ constexpr QSize kFrameAllowance(16, 48);      // what a window's frame takes of 
 
 }  // namespace
 
-CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
+CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)), channels(*this, *this, *this) {
     setWindowTitle(QStringLiteral("Marvolen"));
     setWindowFlags(Qt::Window);
     setMouseTracking(true);
@@ -31,12 +31,13 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)) {
         auto* pane = new VideoPane(this);
         AddControl(pane, IDC_FIRST_PANE + k, QStringLiteral("NET.%1").arg(k + 1));
         pane->index = k;
+        connect(pane, &VideoPane::clicked, this, [this, pane] { SelectPane(*pane); });
         panes[static_cast<std::size_t>(k)] = pane;
     }
 }
 
 CMarvolenDlg::~CMarvolenDlg() {
-    StopAllChannels(CloseFlag::Ordered);
+    channels.StopAllChannels(CloseFlag::Ordered);
     for (VideoPane* pane : panes) pane->BeginEnd();
 }
 
@@ -46,10 +47,14 @@ void CMarvolenDlg::OnInitDialog() {
     if (!about.isEmpty()) {
         AppendSystemMenuSeparator();
         AppendSystemMenu(SC_ABOUT, about);
+        connect(this, &CDialog::systemCommand, this, [this](int command) {
+            if (command == SC_ABOUT) ShowAbout();
+        });
     }
     setWindowIcon(LoadIcon(IDR_MAIN_ICON));
     controlPanel = new CControlPanelDlg(this);
-    controlPanel->CreateModeless();
+    controlPanel->CreateChild();
+    ConnectPanel();
     ResizeToScreen();
     FitPanel();
     LayoutPanel();
@@ -57,7 +62,7 @@ void CMarvolenDlg::OnInitDialog() {
     controlPanel->LoadPageIcons();
     controlPanel->CheckViewButton(ViewMode::Sixteen);
     ChooseView(ViewMode::Sixteen);
-    StartAllChannels();
+    channels.StartAllChannels();
     currentChannel = 0;
     SelectPane(Pane(0));
     for (VideoPane* pane : panes) pane->CreatePopup();
@@ -71,15 +76,23 @@ void CMarvolenDlg::ResizeToScreen() {
     resize(MapDialogUnits(kTemplateUnits).expandedTo(wanted).boundedTo(available));
 }
 
-void CMarvolenDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
-    const int id = CommandId(wParam);
-    const int pane = id - IDC_FIRST_PANE;
-    if (pane >= 0 && pane < kChannelCount) {
-        if (CommandCode(wParam) == STN_CLICKED) SelectPane(Pane(pane));
-    } else if (CommandCode(wParam) == BN_CLICKED) {
-        OnPanelCommand(id);
-    }
-    CDialog::OnCommand(wParam, lParam);
+// Queued: a command is carried out once the click that gave it is over.
+void CMarvolenDlg::ConnectPanel() {
+    const auto on = [this](auto command, auto action) {
+        connect(controlPanel, command, this, action, Qt::QueuedConnection);
+    };
+    on(&CControlPanelDlg::toggleRecordingRequested, &CMarvolenDlg::ToggleRecording);
+    on(&CControlPanelDlg::stopAllRequested, [this] { SetAllRecording(false); });
+    on(&CControlPanelDlg::startAllRequested, [this] { SetAllRecording(true); });
+    on(&CControlPanelDlg::aboutRequested, &CMarvolenDlg::ShowAbout);
+    on(&CControlPanelDlg::cleanLogRequested, [this] { messageLog->Clean(); });
+    on(&CControlPanelDlg::saveLogRequested, &CMarvolenDlg::SaveLog);
+    on(&CControlPanelDlg::turnPageRequested, &CMarvolenDlg::TurnPage);
+    on(&CControlPanelDlg::viewRequested, &CMarvolenDlg::ChooseView);
+    on(&CControlPanelDlg::enablePopupRequested, [this](bool enabled) {
+        if (!enabled) HidePopups();
+    });
+    on(&CControlPanelDlg::exitRequested, &CMarvolenDlg::Exit);
 }
 
 // Whether a dialog is open over this window. Commands posted before it opened may still arrive.
@@ -88,55 +101,23 @@ bool CMarvolenDlg::IsCovered() const {
     return modal && modal != this;
 }
 
-void CMarvolenDlg::OnPanelCommand(int id) {
-    const bool opensOrEnds = id == IDC_LOGO || id == IDC_LOG_SAVE || id == IDC_EXIT;
-    if (opensOrEnds && IsCovered()) return;
-    switch (id) {
-        case IDC_RECORD_TOGGLE:
-            return ToggleRecording();
-        case IDC_STOP_ALL:
-            return SetAllRecording(false);
-        case IDC_START_ALL:
-            return SetAllRecording(true);
-        case IDC_LOGO:
-            return ShowAbout();
-        case IDC_LOG_CLEAN:
-            return messageLog->Clean();
-        case IDC_LOG_SAVE:
-            return SaveLogAs(this, messageLog->List());
-        case IDC_PREVIOUS_PAGE:
-            return TurnPage(-1);
-        case IDC_NEXT_PAGE:
-            return TurnPage(+1);
-        case IDC_VIEW_1:
-            return ChooseView(ViewMode::One);
-        case IDC_VIEW_4:
-            return ChooseView(ViewMode::Four);
-        case IDC_VIEW_16:
-            return ChooseView(ViewMode::Sixteen);
-        case IDC_ENABLE_POPUP:
-            if (!controlPanel->IsPopupEnabled()) HidePopups();
-            return;
-        case IDC_EXIT:
-            return EndDialog(IDOK);
-        default:
-            return;
-    }
+void CMarvolenDlg::SaveLog() {
+    if (!IsCovered()) SaveLogAs(this, messageLog->List());
 }
 
-void CMarvolenDlg::OnSysCommand(int command) {
-    if (command == SC_ABOUT && !IsCovered()) ShowAbout();
+void CMarvolenDlg::Exit() {
+    if (!IsCovered()) EndDialog(IDOK);
 }
 
 void CMarvolenDlg::ShowAbout() {
-    CAboutDlg(this).DoModal();
+    if (!IsCovered()) CAboutDlg(this).DoModal();
 }
 
 void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_NETEVENT:
-            return OnNetEvent(static_cast<int>(wParam),
-                              *reinterpret_cast<const ChannelInfo*>(lParam));
+            return channels.OnNetEvent(static_cast<int>(wParam),
+                                       *reinterpret_cast<const ChannelInfo*>(lParam));
         case WM_POPUPPANE:
             return OnPopupPane(static_cast<int>(wParam));
         default:
@@ -160,7 +141,7 @@ void CMarvolenDlg::HidePopups() {
 }
 
 void CMarvolenDlg::SelectPane(VideoPane& pane) {
-    controlPanel->ShowRecording((pane.GetStatus() & PANE_RECORDING) != 0);
+    controlPanel->ShowRecording(channels.IsRecording(pane.index));
     // The selected pane alone is a stop of the Tab key; the arrow keys lead to the others.
     for (VideoPane* each : panes) each->setFocusPolicy(each == &pane ? Qt::TabFocus : Qt::NoFocus);
     pane.setFocus();
@@ -172,19 +153,14 @@ void CMarvolenDlg::SelectPane(VideoPane& pane) {
 }
 
 void CMarvolenDlg::ToggleRecording() {
-    const bool on = (Pane(currentChannel).GetStatus() & PANE_RECORDING) == 0;
+    const bool on = !channels.IsRecording(currentChannel);
     controlPanel->ShowRecording(on);
-    SetRecording(currentChannel, on);
+    channels.SetRecording(currentChannel, on);
 }
 
 void CMarvolenDlg::SetAllRecording(bool on) {
     controlPanel->ShowRecording(on);
-    for (int k = 0; k < kChannelCount; ++k) SetRecording(k, on);
-}
-
-void CMarvolenDlg::SetRecording(int k, bool on) {
-    Recorder(k).SetRecording(on);
-    Pane(k).SetStatus(on ? PANE_RECORDING : 0, on ? 0 : PANE_RECORDING);
+    for (int k = 0; k < kChannelCount; ++k) channels.SetRecording(k, on);
 }
 
 void CMarvolenDlg::ChooseView(ViewMode view) {

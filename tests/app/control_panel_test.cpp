@@ -165,7 +165,7 @@ TEST_F(ControlPanel, RecordingSurvivesAReconnect) {
     };
     ASSERT_TRUE(grows(19264));
     server.Drop(0);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->Recorder(0).IsOpen(); }, kPatience));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->Channels().Recorder(0).IsOpen(); }, kPatience));
     const std::uintmax_t size = std::filesystem::file_size(kPath);
     EXPECT_TRUE(IsRecording(0));
     EXPECT_TRUE(grows(size)) << "after the reconnect";
@@ -353,7 +353,7 @@ TEST_F(ControlPanel, AnEventOfAClosedConnectionOpensNothing) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return IsConnected(4); }, kPatience));
     window->PostMessage(WM_NETEVENT, static_cast<WPARAM>(NETEVENT_CLOSE),
                         reinterpret_cast<LPARAM>(&Info(4)));
-    window->StopAllChannels(CloseFlag::Ordered);
+    window->Channels().StopAllChannels(CloseFlag::Ordered);
     QCoreApplication::processEvents();
     EXPECT_EQ(Count("05 Camera 5 Network close."), 0);
 }

@@ -102,7 +102,7 @@ TEST_F(MainWindow, ARecorderThatCannotOpenStopsTheChannelsBeforeIt) {
     Info(12).maxSizeMB = 0;
     Open();
     for (int k = 13; k < kChannelCount; ++k) ExpectLive(k);
-    for (int k = 0; k < 13; ++k) EXPECT_FALSE(window->Recorder(k).IsOpen()) << k;
+    for (int k = 0; k < 13; ++k) EXPECT_FALSE(window->Channels().Recorder(k).IsOpen()) << k;
 }
 
 TEST_F(MainWindow, AnEmptyHostIsNeverConnected) {
