@@ -15,12 +15,6 @@ TEST(ColumnSpec, ReadsNamesAndWidths) {
     EXPECT_EQ(ParseColumnSpec(",5"), (Columns{{"", 5}}));
 }
 
-TEST(ColumnSpec, AnEntryWithoutACommaEndsTheText) {
-    EXPECT_EQ(ParseColumnSpec(""), Columns{});
-    EXPECT_EQ(ParseColumnSpec("A"), Columns{});
-    EXPECT_EQ(ParseColumnSpec("A,10;B"), (Columns{{"A", 10}}));
-}
-
 TEST(ColumnSpec, ANameRunsToItsCommaAndAWidthToItsSemicolon) {
     EXPECT_EQ(ParseColumnSpec("A;B,10"), (Columns{{"A;B", 10}}));
     EXPECT_EQ(ParseColumnSpec("A,10,20;B,30"), (Columns{{"A", 10}, {"B", 30}}));

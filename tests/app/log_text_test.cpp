@@ -16,13 +16,6 @@ ChannelInfo Named(std::string_view name) {
     return info;
 }
 
-TEST(LogText, ARowHasNumberNameTimeAndMessage) {
-    EXPECT_EQ(LogEntryTexts(3, Named("Gate"), kLeapMorning, "Network close."),
-              (LogTexts{"03", "Gate", "2004/02/29 08:15:00", "Network close."}));
-    EXPECT_EQ(LogEntryTexts(16, Named(""), kLeapMorning, "Unknown Error."),
-              (LogTexts{"16", "", "2004/02/29 08:15:00", "Unknown Error."}));
-}
-
 TEST(LogText, ANameWithoutAnEndStaysInItsField) {
     ChannelInfo info{};
     std::fill(std::begin(info.netName), std::end(info.netName), 'n');
@@ -60,13 +53,6 @@ TEST_F(LogFile, HoldsTheRowsInOrderAndNothingElse) {
     rows.clear();
     EXPECT_TRUE(Write("log.csv"));
     EXPECT_EQ(test::ReadWholeFile("log.csv"), "");
-}
-
-TEST_F(LogFile, ThatCannotBeMadeLeavesNothing) {
-    EXPECT_FALSE(Write("missing/log.csv"));
-    EXPECT_FALSE(Write("."));
-    EXPECT_FALSE(Write(""));
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
 TEST_F(LogFile, OnAFullDiskIsAFailure) {

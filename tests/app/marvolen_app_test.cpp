@@ -1,17 +1,22 @@
 #include "app/marvolen_app.h"
 
+#include "app/marvolen_dlg.h"
 #include "config/settings_file.h"
 #include "platform/text_field.h"
-#include "tests/support/temporary_folder.h"
+#include "res/resource_ids.h"
+#include "tests/app/cameras.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QProcess>
+#include <QTest>
 #include <QTimer>
 
 #include <csignal>
 #include <cstring>
-#include <gtest/gtest.h>
-#include <utility>
+#include <functional>
+#include <sys/resource.h>
+#include <thread>
 
 namespace marvolen {
 namespace {
@@ -26,12 +31,15 @@ protected:
     MarvolenApp() { g_channelInfo = FactoryChannelTable(); }
     ~MarvolenApp() override { g_channelInfo = FactoryChannelTable(); }
 
-    // Calls act(window) with the first window that shows, again and again until there is none.
+    // Calls act(window) once, when the first window shows.
     template <typename Act>
     void WithTheWindow(Act act) {
-        QObject::connect(&poll, &QTimer::timeout, &poll, [act] {
-            QWidget* window = QApplication::activeModalWidget();
-            if (window && window->isVisible()) act(window);
+        QObject::connect(&poll, &QTimer::timeout, &poll, [this, act] {
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                if (!window->isVisible()) continue;
+                poll.stop();
+                return act(window);
+            }
         });
         poll.start(10);
     }
@@ -45,7 +53,6 @@ TEST_F(MarvolenApp, WithoutSocketsSaysSoAndStillWritesTheSettings) {
     SetFieldText(stored[2].netName, "Gate");
     ASSERT_TRUE(WriteSettingsFile("stored.bin", stored));
     std::filesystem::copy_file("stored.bin", kSettingsFileName);
-
     QString shown;
     WithTheWindow([&shown](QWidget* window) {
         auto* box = qobject_cast<QMessageBox*>(window);
@@ -57,42 +64,69 @@ TEST_F(MarvolenApp, WithoutSocketsSaysSoAndStillWritesTheSettings) {
     WithoutSockets app;
     EXPECT_EQ(app.Run(), 0);
     EXPECT_EQ(shown, QStringLiteral("Windows sockets ?????"));
-    EXPECT_EQ(FieldText(g_channelInfo[2].netName), "Gate");
     EXPECT_EQ(test::ReadWholeFile(kSettingsFileName), test::ReadWholeFile("stored.bin"));
 }
 
-TEST_F(MarvolenApp, ARunWithoutChangesWritesTheSameBytesBack) {
+// However it ends, the settings are written as they were read, byte for byte.
+TEST_F(MarvolenApp, EveryEndWritesTheSettings) {
+    const auto key = [](int id) {
+        return [id](QWidget* window) {
+            QWidget* at = window->findChild<QWidget*>(QString::number(id));
+            QTest::keyClick(at, id == IDC_EXIT ? Qt::Key_Space : Qt::Key_Escape);
+        };
+    };
+    const std::pair<const char*, std::function<void(QWidget*)>> ends[] = {
+        {"close box", [](QWidget* window) { window->close(); }},
+        {"Escape", [](QWidget* window) { QTest::keyClick(window, Qt::Key_Escape); }},
+        {"Escape in the panel", key(IDC_LOG_LIST)},
+        {"Exit", key(IDC_EXIT)},
+        {"SIGTERM", [](QWidget*) { raise(SIGTERM); }},
+        {"SIGHUP", [](QWidget*) { raise(SIGHUP); }}};
     ChannelTable stored = FactoryChannelTable();
     std::memset(stored[7].netName, 'x', sizeof stored[7].netName);  // no NUL
     stored[5].channelIndex = 77;
     stored[6].sizeIndex = -3;
     stored[6].rateIndex = 1 << 30;
-    ASSERT_TRUE(WriteSettingsFile(kSettingsFileName, stored));
-    const std::string before = test::ReadWholeFile(kSettingsFileName);
-    WithTheWindow([](QWidget* window) { window->close(); });
-    CMarvolenApp app;
-    EXPECT_EQ(app.Run(), 0);
-    EXPECT_EQ(test::ReadWholeFile(kSettingsFileName), before);
+    for (const auto& [name, end] : ends) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(WriteSettingsFile(kSettingsFileName, stored));
+        const std::string before = test::ReadWholeFile(kSettingsFileName);
+        WithTheWindow(end);
+        CMarvolenApp app;
+        EXPECT_EQ(app.Run(), 0);
+        EXPECT_EQ(test::ReadWholeFile(kSettingsFileName), before);
+    }
 }
 
-TEST_F(MarvolenApp, ATerminationSignalEndsItAsAUserWould) {
-    bool raised = false;
-    WithTheWindow([&raised](QWidget*) {
-        if (!std::exchange(raised, true)) raise(SIGTERM);
-    });
-    CMarvolenApp app;
-    EXPECT_EQ(app.Run(), 0);
+bool MayRaisePriority() {
+    bool permitted = false;
+    std::thread([&] { permitted = setpriority(PRIO_PROCESS, 0, -20) == 0; }).join();
+    return permitted;
+}
+
+// The program itself, as a user starts it.
+class Program : public test::Cameras {};
+
+TEST_F(Program, WatchesAndEndsInOrder) {
+    SaveSettings();
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QCoreApplication::applicationDirPath() + QStringLiteral("/marvolen"), {});
+    ASSERT_TRUE(program.waitForStarted());
+    for (int k = 0; k < kChannelCount; ++k) EXPECT_TRUE(server.WaitForSent(k, 3)) << k;
+    const auto pid = static_cast<id_t>(program.processId());
+    errno = 0;
+    const int nice = getpriority(PRIO_PROCESS, pid);
+    EXPECT_EQ(errno, 0);
+    if (MayRaisePriority()) {
+        EXPECT_EQ(nice, -20) << "the interface thread's";
+    }
+    std::filesystem::remove(kSettingsFileName);
+    program.terminate();
+    ASSERT_TRUE(program.waitForFinished());
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(std::filesystem::file_size(kSettingsFileName), sizeof(ChannelTable));
-}
-
-TEST_F(MarvolenApp, TheFirstRunWritesTheFactorySettings) {
-    WithTheWindow([](QWidget* window) { window->close(); });
-    CMarvolenApp app;
-    EXPECT_EQ(app.Run(), 0);
-    ChannelTable written{};
-    ASSERT_TRUE(ReadSettingsFile(kSettingsFileName, written));
-    const ChannelTable factory = FactoryChannelTable();
-    EXPECT_EQ(std::memcmp(&written, &factory, sizeof written), 0);
 }
 
 }  // namespace

@@ -15,22 +15,6 @@ TEST(PaneLayout, SixteenFillTheAreaRowByRow) {
     EXPECT_EQ(PaneRectOf16(area, 15), (PaneRect{310, 170, 100, 50}));
 }
 
-TEST(PaneLayout, FourFillTheAreaRowByRow) {
-    const PaneRect area{10, 20, 400, 200};
-    const int first = FirstPaneOfPage(3);
-    EXPECT_EQ(first, 8);
-    EXPECT_EQ(PaneRectOf4(area, first), (PaneRect{10, 20, 200, 100}));
-    EXPECT_EQ(PaneRectOf4(area, first + 1), (PaneRect{210, 20, 200, 100}));
-    EXPECT_EQ(PaneRectOf4(area, first + 2), (PaneRect{10, 120, 200, 100}));
-    EXPECT_EQ(PaneRectOf4(area, first + 3), (PaneRect{210, 120, 200, 100}));
-}
-
-TEST(PaneLayout, DivisionsTruncate) {
-    EXPECT_EQ(PaneRectOf16({0, 0, 403, 203}, 15), (PaneRect{300, 150, 100, 50}));
-    EXPECT_EQ(PaneRectOf4({0, 0, 403, 203}, 3), (PaneRect{201, 101, 201, 101}));
-    EXPECT_EQ(PaneRectOf16({0, 0, 3, 3}, 15), (PaneRect{0, 0, 0, 0}));
-}
-
 TEST(PaneLayout, NeighboursEndWithThePage) {
     EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 5, 1, 0), 6);
     EXPECT_EQ(NeighbourPane(ViewMode::Sixteen, 5, 0, -1), 1);

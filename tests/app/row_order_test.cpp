@@ -90,40 +90,6 @@ TEST(RowOrder, SortsStablyBothWays) {
     EXPECT_EQ(Sorted({"b"}, false), Texts{"b"});
 }
 
-TEST(RowOrder, AHundredThousandRowsInEveryKind) {
-    constexpr std::size_t kRows = 100'000;
-    std::mt19937 random(1);
-    const auto pick = [&](int below) {
-        return std::to_string(std::uniform_int_distribution(0, below - 1)(random));
-    };
-    const auto two = [&](int below) {
-        const std::string digits = pick(below);
-        return std::string(2 - digits.size(), '0') + digits;
-    };
-    Texts numbers, dates, texts;
-    for (std::size_t k = 0; k < kRows; ++k) {
-        numbers.push_back(pick(3000));
-        dates.push_back(two(30) + "/" + two(12) + "/200" + pick(10));
-        texts.push_back("Camera " + pick(3000));
-    }
-    const auto dateKey = [](const std::string& date) {
-        return date.substr(6) + date.substr(3, 2) + date.substr(0, 2);
-    };
-    const auto check = [](const Texts& rows, const auto& less) {
-        Texts expected = rows;
-        std::stable_sort(expected.begin(), expected.end(), less);
-        EXPECT_TRUE(Sorted(rows, true) == expected);
-        expected = rows;
-        std::stable_sort(expected.begin(), expected.end(),
-                         [&](const auto& a, const auto& b) { return less(b, a); });
-        EXPECT_TRUE(Sorted(rows, false) == expected);
-    };
-    check(numbers, [](const auto& a, const auto& b) { return std::stoi(a) < std::stoi(b); });
-    check(dates, [&](const auto& a, const auto& b) { return dateKey(a) < dateKey(b); });
-    check(texts,
-          [](const auto& a, const auto& b) { return std::strcoll(a.c_str(), b.c_str()) < 0; });
-}
-
 // Comparisons that contradict each other ("9" < "10" < "9a" < "9") still end with every row once.
 TEST(RowOrder, AMixedColumnKeepsEveryRow) {
     const Texts kinds = {"9", "10", "9a", "", "01/02/2004", "x", "0"};
@@ -134,14 +100,6 @@ TEST(RowOrder, AMixedColumnKeepsEveryRow) {
         const Texts sorted = Sorted(rows, ascending);
         EXPECT_TRUE(std::is_permutation(sorted.begin(), sorted.end(), rows.begin(), rows.end()));
     }
-}
-
-TEST(Decimal, ReadsTheDigitsATextBeginsWith) {
-    EXPECT_EQ(LeadingDecimal(""), 0U);
-    EXPECT_EQ(LeadingDecimal("042x7"), 42U);
-    EXPECT_EQ(LeadingDecimal("-3"), 0U);
-    EXPECT_EQ(LeadingDecimal(" 3"), 0U);
-    EXPECT_EQ(LeadingDecimal("18446744073709551616"), std::numeric_limits<std::uint64_t>::max());
 }
 
 }  // namespace

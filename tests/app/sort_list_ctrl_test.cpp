@@ -48,25 +48,6 @@ protected:
     CSortListCtrl list;
 };
 
-TEST(SortListColumns, AreMadeUntilOneIsRefused) {
-    CSortListCtrl list;
-    EXPECT_EQ(list.ColumnCount(), 0);
-    EXPECT_EQ(list.SortColumn(), -1);
-    EXPECT_TRUE(list.SortAscending());
-    EXPECT_TRUE(list.SetColumns(""));
-    EXPECT_TRUE(list.SetColumns("ID,20;CH,54;Time,115;Message,192"));
-    ASSERT_EQ(list.ColumnCount(), 4);
-    const std::array<int, 4> widths = {20, 54, 115, 192};
-    for (int column = 0; column < 4; ++column) {
-        EXPECT_EQ(list.columnWidth(column), widths[static_cast<std::size_t>(column)]);
-        EXPECT_EQ(list.SortHeader().GetItemFormat(column), HDF_LEFT);  // not owner-drawn
-    }
-    EXPECT_FALSE(list.SetColumns("A,10;B,99999;C,10"));
-    EXPECT_EQ(list.ColumnCount(), 5);
-    EXPECT_EQ(list.GetColumnCount(), 5);
-    EXPECT_EQ(list.SortHeader().GetItemText(4), QStringLiteral("A"));
-}
-
 TEST_F(SortList, RowsTakeExactlyTheirColumns) {
     EXPECT_EQ(list.AddRow("1", "2"), -1);
     EXPECT_EQ(list.AddRow("1", "2", "3", "4"), -1);
@@ -137,35 +118,6 @@ TEST_F(SortList, NewRowsStandAtTheEndUntilTheNextSorting) {
     EXPECT_EQ(list.SortColumn(), 0);
     list.SortByColumn(0, false);
     EXPECT_EQ(Column(list, 0), (Strings{"99", "10", "9", "02", "01"}));
-}
-
-TEST_F(SortList, AnEmptyListRemembersItsSorting) {
-    ClickColumn(list, 1);
-    EXPECT_EQ(list.SortColumn(), 1);
-    AddSamples();
-    EXPECT_TRUE(list.DeleteAllRows());
-    EXPECT_EQ(list.GetItemCount(), 0);
-    EXPECT_EQ(list.SortColumn(), 1);
-    EXPECT_EQ(list.AddRow("1", "2", "3"), 0);
-    ClickColumn(list, 1);
-    EXPECT_FALSE(list.SortAscending());
-}
-
-TEST_F(SortList, IgnoresColumnsThatDoNotExist) {
-    AddSamples();
-    list.SortByColumn(-1, true);
-    list.SortByColumn(3, true);
-    EXPECT_EQ(list.SortColumn(), -1);
-    EXPECT_EQ(list.SortHeader().SortColumn(), -1);
-}
-
-TEST_F(SortList, RowsOlderThanAColumnAreEmptyThere) {
-    AddSamples();
-    EXPECT_TRUE(list.SetColumns("More,30"));
-    EXPECT_EQ(list.AddRow("03", "New", "", "text"), 4);
-    list.SortByColumn(3, false);
-    EXPECT_EQ(Column(list, 3), (Strings{"text", "", "", "", ""}));
-    EXPECT_EQ(list.GetRowData(4)->TextOf(-1), "");
 }
 
 TEST_F(SortList, SamplesWidenWhatTheyDoNotFitAtEveryFontSize) {
@@ -281,67 +233,6 @@ TEST_F(SortHeader, NamesBeginWhereTheTextsBelowDo) {
             EXPECT_EQ(firstOfText(Item(column)), text) << points << " pt, column " << column;
         }
     }
-}
-
-TEST_F(SortHeader, LabelsKeepTheirMarginsAndMoveWhilePressed) {
-    list.SortHeader().SetSortArrow(1, true);
-    const QImage released = Item(1);
-    const QRect label = Label(released);
-    ASSERT_FALSE(label.isEmpty());
-    const int off = HeaderMargin(released.height());
-    EXPECT_GE(label.left(), off);
-    EXPECT_LE(label.left(), off + 3);
-
-    QWidget* header = list.SortHeader().viewport();
-    const QPoint inside(list.SortHeader().sectionViewportPosition(1) + 30, 5);
-    QTest::mousePress(header, Qt::LeftButton, {}, inside);
-    const QRect pressed = Label(Item(1));
-    EXPECT_EQ(pressed.topLeft(), label.topLeft() + QPoint(1, 1));  // centred 2 lower at the top
-    EXPECT_EQ(pressed.size(), label.size());
-    QTest::mouseRelease(header, Qt::LeftButton, {}, inside);
-    EXPECT_EQ(Label(Item(1)), label);
-}
-
-TEST_F(SortHeader, LabelsFollowTheFormatOfTheirItem) {
-    CSortHeaderCtrl& header = list.SortHeader();
-    header.SetItemFormat(1, HDF_RIGHT);
-    header.SetSortArrow(1, true);
-    EXPECT_EQ(header.GetItemFormat(1), HDF_RIGHT | HDF_OWNERDRAW);
-    const int width = list.columnWidth(1);
-    const int off = HeaderMargin(header.height());
-    EXPECT_NEAR(Label(Item(1)).right() + 1, width - 4 * off, 2);
-    header.SetItemFormat(1, HDF_CENTER | HDF_OWNERDRAW);
-    EXPECT_NEAR(Label(Item(1)).center().x(), (width - 3 * off) / 2, 2);
-    header.SetSortArrow(2, true);
-    EXPECT_NEAR(Label(Item(1)).center().x(), width / 2, 2);
-}
-
-TEST_F(SortHeader, WithoutRoomThereIsNoLabel) {
-    list.SortHeader().SetSortArrow(1, true);
-    const int off = HeaderMargin(list.SortHeader().height());
-    list.setColumnWidth(1, 5 * off);
-    EXPECT_TRUE(Label(Item(1)).isEmpty());
-    for (int width = 0; width <= 5 * off; ++width) {
-        list.setColumnWidth(1, width);
-        list.SortHeader().grab();
-    }
-}
-
-TEST_F(SortHeader, LabelsShowNoMnemonicsAndEndInAnEllipsis) {
-    CSortListCtrl other;
-    EXPECT_TRUE(other.SetColumns("A&B,200;" + std::string(400, 'i') + ",60"));
-    other.SortHeader().setPalette(list.SortHeader().palette());
-    other.resize(400, 100);
-    other.show();
-    for (const int column : {0, 1}) other.SortHeader().SetSortArrow(column, true);
-    const QImage all = other.SortHeader().viewport()->grab().toImage();
-    const QRect ampersand = Label(all.copy(0, 0, 200, all.height()));
-    const QFontMetrics metrics(other.SortHeader().font());
-    EXPECT_NEAR(ampersand.width(), metrics.horizontalAdvance(QStringLiteral("A&B")), 3);
-    const int off = HeaderMargin(all.height());
-    const QRect cut = Label(all.copy(200, 0, 60, all.height()));
-    EXPECT_FALSE(cut.isEmpty());
-    EXPECT_LE(cut.right(), 60 - 4 * off);
 }
 
 TEST_F(SortHeader, TheArrowShowsOnEveryPalette) {

@@ -29,23 +29,6 @@ TEST(ChannelTable, FactoryValuesOfEveryChannel) {
     EXPECT_EQ(FieldText(table[15].recordPath), "c:\\chl16.dbt");
 }
 
-TEST(ChannelTable, NumberFollowsThePosition) {
-    EXPECT_EQ(ChannelNumber(&g_channelInfo[0]), 1);
-    EXPECT_EQ(ChannelNumber(&g_channelInfo[15]), 16);
-}
-
-TEST(ChannelOptions, RateRowsAskForTheirDelay) {
-    const char* const queries[] = {"",           "&delay=3",  "&delay=7",  "&delay=10",
-                                   "&delay=17",  "&delay=30", "&delay=97", "&delay=197",
-                                   "&delay=497", "&delay=997"};
-    ASSERT_EQ(g_rateOptions.size(), std::size(queries));
-    for (std::size_t row = 0; row < g_rateOptions.size(); ++row) {
-        EXPECT_EQ(g_rateOptions[row].query, queries[row]);
-        EXPECT_EQ(g_rateOptions[row].label.size(), 7U);
-        EXPECT_EQ(g_rateOptions[row].paneParam, 0U);
-    }
-}
-
 TEST(ChannelOptions, IndexOutsideItsTableCountsAsTheFactoryRow) {
     for (const std::int32_t index : {-1, 10, 1000000, std::numeric_limits<std::int32_t>::min()}) {
         EXPECT_EQ(CameraOption(index).query, "camera=1") << index;

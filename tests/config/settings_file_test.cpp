@@ -35,14 +35,6 @@ TEST_F(SettingsFile, OfAnotherSizeIsIgnored) {
     }
 }
 
-TEST_F(SettingsFile, MissingOrUnreadableIsIgnored) {
-    LoadSettings();
-    EXPECT_TRUE(TableIsFactory());
-    fs::create_directory(kSettingsFileName);
-    LoadSettings();
-    EXPECT_TRUE(TableIsFactory());
-}
-
 TEST_F(SettingsFile, OfTheRightSizeReplacesEveryByte) {
     std::string bytes(sizeof(ChannelTable), '\0');
     for (std::size_t k = 0; k < bytes.size(); ++k) bytes[k] = static_cast<char>(k * 7 + k / 251);
@@ -62,13 +54,6 @@ TEST_F(SettingsFile, SavedOverALongerFileHasTheTableOnly) {
     g_channelInfo = FactoryChannelTable();
     LoadSettings();
     EXPECT_EQ(FieldText(g_channelInfo[3].netName), "Gate");
-}
-
-TEST_F(SettingsFile, ThatCannotBeCreatedIsNoError) {
-    fs::create_directory(kSettingsFileName);
-    SaveSettings();
-    EXPECT_TRUE(fs::is_directory(kSettingsFileName));
-    EXPECT_FALSE(WriteSettingsFile("missing/folder.rsf", g_channelInfo));
 }
 
 TEST_F(SettingsFile, OnAFullDiskIsAFailure) {

@@ -63,18 +63,6 @@ protected:
     std::optional<DrawingThread> thread;
 };
 
-TEST_F(DrawingThreadTest, StretchesAPictureToTheView) {
-    Queue(red);
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_TRUE(thread->AcceptImage());
-    EXPECT_FALSE(thread->AcceptImage());
-    EXPECT_TRUE(thread->DrawImage([](const ScreenImage& image) {
-        EXPECT_EQ(image.width, 20);
-        EXPECT_EQ(image.height, 10);
-        for (const std::uint32_t pixel : image.pixels) EXPECT_TRUE(Resembles(pixel, Qt::red));
-    }));
-}
-
 TEST_F(DrawingThreadTest, DecodesTheWholeBufferWhichGrowsByKilobytesAndNeverShrinks) {
     const struct {
         std::size_t length;
@@ -111,17 +99,6 @@ TEST_F(DrawingThreadTest, SkipsWhatComesWhileItDecodes) {
     ASSERT_TRUE(decoder.WaitForEnds(2));
     const Bytes second = decoder.Received();
     EXPECT_TRUE(std::equal(blue.begin(), blue.end(), second.begin()));
-}
-
-TEST_F(DrawingThreadTest, KeepsTheLastGoodPictureWhenOneDoesNotDecode) {
-    Queue(red);
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_TRUE(thread->AcceptImage());
-    Queue(Bytes(3000, 0x55));
-    WaitUntilFree();
-    EXPECT_FALSE(thread->AcceptImage());
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::red));
-    EXPECT_EQ(Images(), 1);
 }
 
 TEST_F(DrawingThreadTest, ReportsOnceUntilAcceptedAndShowsTheNewest) {
@@ -170,24 +147,6 @@ TEST_F(DrawingThreadTest, APictureDecodedAcrossAResizeFitsTheNewSize) {
         [](const ScreenImage& image) { EXPECT_EQ(image.pixels.size(), 30U * 7U); }));
 }
 
-TEST_F(DrawingThreadTest, APictureDecodedWhileThePaneWentIntoHidingIsDropped) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    thread->SetView({false, 20, 10});
-    decoder.Release();
-    WaitUntilFree();
-    EXPECT_EQ(Images(), 0);
-    EXPECT_EQ(Shown(), QColor(Qt::black));
-}
-
-TEST_F(DrawingThreadTest, AViewWithoutVideoAreaStillReportsPictures) {
-    thread->SetView({true, 0, 0});
-    Queue(red);
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_TRUE(thread->AcceptImage());
-}
-
 TEST_F(DrawingThreadTest, CloseDoesNotWaitForTheDecodeInProgressButDropsItsPicture) {
     Queue(red);
     ASSERT_TRUE(WaitForImages(1));
@@ -213,18 +172,6 @@ TEST_F(DrawingThreadTest, CloseDoesNotWaitForTheDecodeInProgressButDropsItsPictu
     EXPECT_TRUE(Resembles(Shown().rgb(), Qt::red));
 }
 
-TEST_F(DrawingThreadTest, OpeningAgainDropsThePictureBeingDecoded) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    thread->Close();
-    EXPECT_TRUE(thread->Open());  // would never return if it waited
-    decoder.Release();
-    WaitUntilFree();
-    EXPECT_FALSE(thread->AcceptImage());
-    EXPECT_EQ(Shown(), QColor(Qt::black));
-}
-
 TEST_F(DrawingThreadTest, WhatIsClosedAndOpenedDuringADecodeDrawsTheNextPicture) {
     decoder.Hold();
     Queue(red);
@@ -236,12 +183,6 @@ TEST_F(DrawingThreadTest, WhatIsClosedAndOpenedDuringADecodeDrawsTheNextPicture)
     Queue(green);
     WaitUntilFree();
     EXPECT_TRUE(Resembles(Shown().rgb(), Qt::green));
-}
-
-TEST_F(DrawingThreadTest, NothingIsDrawnOnceItsEndHasBegun) {
-    thread->BeginEnd();
-    EXPECT_FALSE(thread->Open());
-    EXPECT_FALSE(thread->QueuePicture(red));
 }
 
 TEST_F(DrawingThreadTest, NoPictureOfTheTimeBeforeCloseIsEverShown) {

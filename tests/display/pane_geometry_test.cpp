@@ -20,12 +20,6 @@ TEST(PaneGeometry, VideoAreaLiesBelowTheStripInsideTheFrame) {
     }
 }
 
-TEST(PaneGeometry, InsideFrameOfATinyPaneIsEmpty) {
-    EXPECT_EQ(InsideFrame(10, 6), (PixelRect{2, 2, 8, 4}));
-    EXPECT_TRUE(InsideFrame(4, 100).Empty());
-    EXPECT_TRUE(InsideFrame(3, 3).Empty());
-}
-
 TEST(PaneGeometry, DevicePixelsOfNeighboursMeet) {
     EXPECT_EQ(ToDevicePixels({2, 23, 238, 98}, 0, 0, 2.0), (PixelRect{4, 46, 476, 196}));
     for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.25}) {

@@ -82,13 +82,6 @@ TEST_F(PanePictureTest, TimeKeepsToItsPlaceAndGoesWithAPictureWithoutStamp) {
     EXPECT_TRUE(Drawn(kStripInside).isEmpty());
 }
 
-TEST_F(PanePictureTest, CloseTakesTheTimeAwayAndKeepsTheName) {
-    Deliver(red, &kTime);
-    EXPECT_TRUE(WaitUntil([this] { return VideoIs(Qt::red); }));
-    pane->Close();
-    EXPECT_TRUE(kNamePlace.contains(Drawn(kStripInside)));
-}
-
 TEST_F(PanePictureTest, MarksStandAtTheirPlaces) {
     ASSERT_TRUE(pane->Open("", 0));
     const struct {

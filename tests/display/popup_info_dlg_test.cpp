@@ -27,20 +27,6 @@ protected:
     CPopupInfoDlg* popup = nullptr;  // the pane's
 };
 
-TEST_F(PopupTest, IsAHiddenToolWindowThatTakesNeitherFocusNorMouse) {
-    EXPECT_FALSE(popup->isVisible());
-    EXPECT_FALSE(popup->isModal());
-    EXPECT_EQ(popup->parentWidget(), dialog.get());
-    EXPECT_TRUE(popup->testAttribute(Qt::WA_ShowWithoutActivating));
-    EXPECT_TRUE(popup->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
-    EXPECT_TRUE(popup->windowFlags().testFlag(Qt::WindowTransparentForInput));
-    for (const int id : {IDC_POPUP_CHANNEL, IDC_POPUP_NAME, IDC_POPUP_TIME}) {
-        EXPECT_TRUE(popup->GetDlgItem<QLineEdit>(id)->isReadOnly());
-    }
-    pane->CreatePopup();
-    EXPECT_EQ(dialog->findChildren<CPopupInfoDlg*>().size(), 1);
-}
-
 TEST_F(PopupTest, ShowsWhatItsPaneShowsAndFollowsIt) {
     ASSERT_TRUE(pane->Open("Gate", 0));
     pane->SetStatus(PANE_RECORDING, 0);
@@ -110,31 +96,6 @@ TEST_F(PopupTest, HasRoomForTheLongestTexts) {
     }
 }
 
-TEST_F(PopupTest, RefreshingMakesNoNewIconsOrControls) {
-    pane->SetStatus(PANE_CONNECTED | PANE_RECORDING, 0);
-    pane->ShowPopup();
-    const auto connectedKey = Mark(IDC_POPUP_CONNECTED).cacheKey();
-    const auto recordingKey = Mark(IDC_POPUP_RECORDING).cacheKey();
-    const auto children = popup->findChildren<QObject*>().size();
-    SYSTEMTIME time{2004, 2, 0, 29, 0, 0, 0, 0};
-    for (int k = 0; k < 10'000; ++k) {
-        time.hour = static_cast<std::uint16_t>(k / 3600);
-        time.minute = static_cast<std::uint16_t>(k / 60 % 60);
-        time.second = static_cast<std::uint16_t>(k % 60);
-        Deliver(red, &time);
-        pane->SetStatus(k % 2 == 0 ? PANE_RECORDING : 0, k % 2 == 0 ? 0 : PANE_RECORDING);
-        popup->RefreshPopup();
-        ASSERT_EQ(Text(IDC_POPUP_TIME).toStdString(), pane->GetTimeText());
-        ASSERT_EQ(Mark(IDC_POPUP_RECORDING).isNull(), k % 2 != 0);
-    }
-    EXPECT_EQ(Text(IDC_POPUP_TIME), QStringLiteral("2004/02/29 02:46:39"));
-    pane->SetStatus(PANE_RECORDING, 0);
-    popup->RefreshPopup();
-    EXPECT_EQ(Mark(IDC_POPUP_CONNECTED).cacheKey(), connectedKey);
-    EXPECT_EQ(Mark(IDC_POPUP_RECORDING).cacheKey(), recordingKey);
-    EXPECT_EQ(popup->findChildren<QObject*>().size(), children);
-}
-
 TEST_F(PopupTest, GoesWithItsPane) {
     const QPointer<CPopupInfoDlg> watched(popup);
     std::unique_ptr<VideoPane>(pane).reset();
@@ -146,13 +107,6 @@ TEST_F(PopupTest, MayGoBeforeItsPane) {
     pane->raise();  // last in the order in which the dialog lets its children go
     dialog.reset();
     EXPECT_TRUE(watched.isNull());
-}
-
-TEST_F(PopupTest, WithoutOneShowingAndHidingDoNothing) {
-    VideoPane bare(dialog.get(), decoder.Function());
-    bare.ShowPopup();
-    bare.HidePopup();
-    EXPECT_EQ(dialog->findChildren<CPopupInfoDlg*>().size(), 1);
 }
 
 }  // namespace

@@ -43,24 +43,6 @@ using namespace test;
 
 class StreamingAllocationTest : public PaneTest {};
 
-TEST_F(StreamingAllocationTest, DeliveringAllocatesNothingOnTheInterfaceThread) {
-    const SYSTEMTIME time{2004, 2, 0, 29, 8, 15, 0, 0};
-    Deliver(red, &time);
-    std::uint64_t allocations = 0;
-    for (int k = 0; k < 10000; ++k) {
-        FramePtr frame = pool.Acquire();
-        std::copy(red.begin(), red.end(), frame->Data());
-        frame->SetLength(static_cast<std::uint32_t>(red.size()));
-        frame->SetTime(time);
-        const std::uint64_t before = allocationsOfThisThread;
-        pane->Deliver(std::move(frame));
-        allocations += allocationsOfThisThread - before;
-        if (k % 100 == 0) QCoreApplication::processEvents();
-    }
-    EXPECT_EQ(allocations, 0U);
-    EXPECT_EQ(behind.frames, 10001);
-}
-
 TEST(DrawingThreadAllocation, HandingOverAndStretchingAllocateNothingOnEitherThread) {
     const Bytes jpeg = PlainJpeg(Qt::red);
     int decodes = 0;  // the drawing thread's

@@ -125,52 +125,6 @@ TEST(Stretch, ReducesTheLargestPictureToAPoint) {
     EXPECT_EQ(image.pixels[0], 0xFF404040);
 }
 
-TEST(Stretch, CopiesAPictureOfTheSameSizeRightWayUp) {
-    Picture source(5, 4);
-    source.Fill([](int x, int y, int c) { return 50 * y + 10 * x + c; });
-    ScreenImage image;
-    ASSERT_TRUE(image.Resize(5, 4));
-    ASSERT_TRUE(Stretcher().Stretch(source.View(), image));
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 0; x < 5; ++x) {
-            const auto blue = static_cast<std::uint32_t>(50 * y + 10 * x);
-            EXPECT_EQ(image.pixels[static_cast<std::size_t>(y * 5 + x)],
-                      0xFF000000 | (blue + 2) << 16 | (blue + 1) << 8 | blue);
-        }
-    }
-}
-
-TEST(Stretch, KeepsAPlainColourExactly) {
-    for (const int level : {0, 1, 127, 254, 255}) {
-        Picture source(101, 67);
-        source.Fill([&](int, int, int c) { return c == 1 ? level : 255 - level; });
-        for (const auto& [width, height] : {std::pair{13, 9}, {300, 200}, {101, 20}}) {
-            ScreenImage image;
-            ASSERT_TRUE(image.Resize(width, height));
-            ASSERT_TRUE(Stretcher().Stretch(source.View(), image));
-            const auto other = static_cast<std::uint32_t>(255 - level);
-            const std::uint32_t expected =
-                0xFF000000 | other << 16 | static_cast<std::uint32_t>(level) << 8 | other;
-            EXPECT_EQ(std::count(image.pixels.begin(), image.pixels.end(), expected),
-                      static_cast<std::ptrdiff_t>(image.pixels.size()));
-        }
-    }
-}
-
-// What makes reduced text readable: every stroke counts, wherever it falls.
-TEST(Stretch, ShowsEveryThinStrokeWhenReduced) {
-    for (int stroke = 0; stroke < 90; ++stroke) {
-        Picture source(90, 3);
-        source.Fill([&](int x, int, int) { return x == stroke ? 255 : 0; });
-        ScreenImage image;
-        ASSERT_TRUE(image.Resize(27, 1));
-        ASSERT_TRUE(Stretcher().Stretch(source.View(), image));
-        int light = 0;
-        for (const std::uint32_t pixel : image.pixels) light += Channel(pixel, 0);
-        EXPECT_NEAR(light, 255 * 27 / 90.0, 3) << "stroke at " << stroke;
-    }
-}
-
 TEST(Stretch, HasNothingToDoForEmptySizes) {
     Picture source(4, 4);
     ScreenImage image;

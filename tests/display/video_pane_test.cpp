@@ -14,11 +14,6 @@ constexpr SYSTEMTIME kEarlier{2004, 2, 0, 29, 8, 14, 59, 0};
 
 class VideoPaneTest : public PaneTest {};
 
-TEST_F(VideoPaneTest, IsBlackUntilItsFirstPicture) {
-    EXPECT_TRUE(VideoIs(Qt::black));
-    EXPECT_TRUE(Show(red, Qt::red));
-}
-
 TEST_F(VideoPaneTest, IsBlackAgainAfterOpenCloseResizeAndHiding) {
     const std::pair<const char*, std::function<void()>> changes[] = {
         {"Open", [this] { pane->Open("NET.4", 0); }},
@@ -38,64 +33,6 @@ TEST_F(VideoPaneTest, IsBlackAgainAfterOpenCloseResizeAndHiding) {
     }
 }
 
-TEST_F(VideoPaneTest, ForwardsWhatItDoesNotDisplay) {
-    decoder.Hold();
-    Deliver(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    Deliver(green);
-    EXPECT_EQ(behind.frames, 2);
-    decoder.Release();
-    EXPECT_TRUE(WaitUntil([this] { return VideoIs(Qt::red); }));
-    EXPECT_EQ(decoder.Starts(), 1);
-}
-
-TEST_F(VideoPaneTest, DecodesNothingWhileHiddenOrMinimised) {
-    pane->hide();
-    Deliver(red);
-    pane->show();
-    EXPECT_TRUE(Show(green, Qt::green));
-    const int shown = decoder.Starts();
-    dialog->showMinimized();
-    for (int k = 0; k < 100; ++k) Deliver(red);
-    dialog->showNormal();
-    EXPECT_TRUE(Show(green, Qt::green));
-    EXPECT_GT(decoder.Starts(), shown);
-    const Bytes received = decoder.Received();
-    EXPECT_TRUE(std::equal(green.begin(), green.end(), received.begin()));
-}
-
-TEST_F(VideoPaneTest, TakesTheTimeTextFromAcceptedStamps) {
-    const auto deliverUntil = [this](const SYSTEMTIME& time, const std::string& text) {
-        return WaitUntil([&] {
-            Deliver(red, &time);
-            return pane->GetTimeText() == text;
-        });
-    };
-    EXPECT_TRUE(deliverUntil(kQuarterPast, "2004/02/29 08:15:00"));
-    EXPECT_TRUE(deliverUntil(kEarlier, "2004/02/29 08:14:59"));
-    ASSERT_TRUE(pane->Open("NET.3", 5000));
-    EXPECT_TRUE(deliverUntil(kQuarterPast, "2004/02/29 08:15:00"));
-    SYSTEMTIME soon = kQuarterPast;
-    soon.second = 5;  // exactly the interval later
-    Deliver(red, &soon);
-    pane->SetStatus(0, 0);
-    EXPECT_EQ(pane->GetTimeText(), "2004/02/29 08:15:00");
-    soon.milliseconds = 1;
-    Deliver(red, &soon);
-    pane->SetStatus(0, 0);
-    EXPECT_EQ(pane->GetTimeText(), "2004/02/29 08:15:05");
-}
-
-TEST_F(VideoPaneTest, SetStatusSetsThenClears) {
-    pane->SetStatus(PANE_CONNECTED | PANE_RECORDING, 0);
-    EXPECT_EQ(pane->GetStatus(), PANE_CONNECTED | PANE_RECORDING);
-    pane->SetStatus(PANE_SELECTED | PANE_CONNECTED, PANE_CONNECTED);
-    EXPECT_EQ(pane->GetStatus(), PANE_SELECTED | PANE_RECORDING);
-    pane->Close();
-    ASSERT_TRUE(pane->Open("NET.3", 0));
-    EXPECT_EQ(pane->GetStatus(), PANE_SELECTED | PANE_RECORDING);
-}
-
 TEST_F(VideoPaneTest, FocusSelectsAndItsLossDoesNotDeselect) {
     QFocusEvent in(QEvent::FocusIn);
     QCoreApplication::sendEvent(pane, &in);
@@ -104,13 +41,6 @@ TEST_F(VideoPaneTest, FocusSelectsAndItsLossDoesNotDeselect) {
     QCoreApplication::sendEvent(pane, &out);
     EXPECT_EQ(pane->GetStatus(), PANE_SELECTED);
     EXPECT_EQ(pane->focusPolicy(), Qt::NoFocus) << "only its window knows when it is selected";
-}
-
-TEST_F(VideoPaneTest, TellsItsParentOfDoubleClicksAtOnce) {
-    QTest::mouseDClick(pane, Qt::LeftButton);
-    const RecordingDialog::Message expected{WM_COMMAND, MakeCommand(kPaneId, STN_DBLCLK),
-                                            reinterpret_cast<LPARAM>(pane)};
-    EXPECT_EQ(std::count(dialog->commands.begin(), dialog->commands.end(), expected), 1);
 }
 
 TEST_F(VideoPaneTest, PostsMouseMovesOverItselfToItsParentOnly) {

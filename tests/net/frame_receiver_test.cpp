@@ -67,14 +67,6 @@ protected:
     Node head{"head", calls}, middle{"middle", calls}, tail{"tail", calls};
 };
 
-TEST_F(FrameReceiverTest, IsIdleAndUnwiredAtFirst) {
-    Node lone("lone", calls);
-    EXPECT_TRUE(lone.IsStopped());
-    EXPECT_EQ(lone.TakeNext(), nullptr);
-    lone.Tell(NETEVENT_CLOSE);  // without a link: nobody hears it
-    lone.Stop();
-}
-
 TEST_F(FrameReceiverTest, StartsFromTheTailAndStopsFromTheHead) {
     ASSERT_TRUE(head.Start(&link));
     EXPECT_EQ(calls, (Calls{"start tail", "start middle", "start head"}));
@@ -109,33 +101,6 @@ TEST_F(FrameReceiverTest, UnwiresOneOrAll) {
     middle.SetNext(&tail);
     head.ClearChain();
     for (Node* node : {&head, &middle, &tail}) EXPECT_EQ(node->TakeNext(), nullptr);
-}
-
-TEST_F(FrameReceiverTest, FramesTravelToTheTailAndReturn) {
-    for (int i = 0; i < 100; ++i) {
-        FramePtr frame = pool.Acquire();
-        ASSERT_NE(frame, nullptr) << "picture " << i;
-        head.Produce(std::move(frame));
-    }
-    ASSERT_EQ(calls.size(), 200U) << "delivered whether started or not";
-    EXPECT_EQ(calls[0], "deliver middle");
-    EXPECT_EQ(calls[1], "deliver tail");
-
-    head.ClearChain();
-    for (int i = 0; i < 100; ++i) {
-        FramePtr frame = pool.Acquire();
-        ASSERT_NE(frame, nullptr);
-        head.Produce(std::move(frame));
-    }
-    EXPECT_EQ(calls.size(), 200U);
-
-    FrameReceiver plain;
-    head.SetNext(&plain);
-    for (int i = 0; i < 100; ++i) {
-        FramePtr frame = pool.Acquire();
-        ASSERT_NE(frame, nullptr) << "the base receiver drops what it gets";
-        head.Produce(std::move(frame));
-    }
 }
 
 }  // namespace

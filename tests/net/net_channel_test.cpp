@@ -68,58 +68,12 @@ TEST_F(NetChannelTest, StreamsPicturesToTheSink) {
     EXPECT_EQ(owner.events, Events{NETEVENT_CONNECT});
 }
 
-TEST_F(NetChannelTest, StreamOneByteAtATime) {
-    Connect();
-    for (const char byte : std::string(test::kStreamHead) + Part("bytewise")) {
-        camera.Send({&byte, 1});
-        // Let it be received before the next one comes.
-        QCoreApplication::processEvents();
-    }
-    ExpectPictures({"bytewise"});
-}
-
 TEST_F(NetChannelTest, CameraThatClosesGivesOneClose) {
     Connect();
     camera.Send(std::string(test::kStreamHead) + Part("only"));
     camera.Close();
     ExpectEvents({NETEVENT_CONNECT, NETEVENT_CLOSE});
     ExpectPictures({"only"});
-}
-
-TEST_F(NetChannelTest, CameraThatClosesAtOnce) {
-    ASSERT_TRUE(Open());
-    listener.Accept();  // and closed
-    // The request may meet a connection that is closed already, which resets it.
-    ASSERT_TRUE(WaitUntil([&] { return owner.events.size() >= 2; }));
-    EXPECT_TRUE(ComesToRest());
-    EXPECT_EQ(owner.events[0], NETEVENT_CONNECT);
-    EXPECT_TRUE(owner.events[1] == NETEVENT_CLOSE || owner.events[1] == NETEVENT_ERROR);
-    EXPECT_EQ(owner.events.size(), 2U);
-}
-
-TEST_F(NetChannelTest, CameraThatResetsGivesOneError) {
-    Connect();
-    camera.Reset();
-    ExpectEvents({NETEVENT_CONNECT, NETEVENT_ERROR});
-}
-
-TEST_F(NetChannelTest, SilentCameraCostsNothing) {
-    Connect();
-    EXPECT_TRUE(ComesToRest());
-    ExpectEvents({NETEVENT_CONNECT});
-}
-
-TEST_F(NetChannelTest, RefusedConnectionGivesOneError) {
-    ASSERT_TRUE(OpenAt(test::RefusingPort()));
-    ExpectEvents({NETEVENT_ERROR});
-}
-
-TEST_F(NetChannelTest, HostWithoutAddressGivesOneError) {
-    const HostLookup before = ReplaceHostLookup([](const std::string&) { return std::nullopt; });
-    record = test::MakeRecord("no.such.host", listener.Port());
-    ASSERT_TRUE(Open());
-    ExpectEvents({NETEVENT_ERROR});
-    ReplaceHostLookup(before);
 }
 
 TEST_F(NetChannelTest, RecordsThatMakeNoUrlFailWithoutAnEvent) {
@@ -140,14 +94,6 @@ TEST_F(NetChannelTest, SinkThatRefusesLeavesTheChannelClosed) {
     Connect();  // nothing is left of the failed attempt
 }
 
-TEST_F(NetChannelTest, ClosedWhileConnectingPostsNothing) {
-    ASSERT_TRUE(Open());
-    channel.Close();
-    ExpectEvents({});
-    channel.OnEvent(NETEVENT_ERROR);  // closed: there is nobody to tell
-    ExpectEvents({});
-}
-
 TEST_F(NetChannelTest, ReopensFromWithinAnEvent) {
     Connect();
     owner.duringEvent = [&](int code) { EXPECT_TRUE(code != NETEVENT_CLOSE || Open()); };
@@ -157,13 +103,6 @@ TEST_F(NetChannelTest, ReopensFromWithinAnEvent) {
     EXPECT_EQ(camera.ReceiveUntil("\r\n\r\n"), test::kRequest);
     camera.Send(std::string(test::kStreamHead) + Part("again"));
     ExpectPictures({"again"});
-}
-
-TEST_F(NetChannelTest, OpeningAnOpenChannelReplacesItsConnection) {
-    Connect();
-    ASSERT_TRUE(Open());
-    EXPECT_TRUE(camera.IsEnded());
-    ExpectEvents({NETEVENT_CONNECT, NETEVENT_CONNECT});
 }
 
 TEST_F(NetChannelTest, GoesOnWhenEverySlotIsOut) {
@@ -180,28 +119,6 @@ TEST_F(NetChannelTest, GoesOnWhenEverySlotIsOut) {
     camera.Send(Part("after"));
     ASSERT_TRUE(WaitUntil([&] { return sink.pictures.size() > 9; }));
     EXPECT_EQ(sink.pictures.back(), "after");
-}
-
-TEST_F(NetChannelTest, ManyOpensLeaveNothingBehind) {
-    Connect();
-    channel.Close();
-    const auto descriptors = test::OpenDescriptors();
-    const auto threads = test::Threads();
-    for (int i = 0; i < 50; ++i) {
-        ASSERT_TRUE(Open());
-        if (i % 2 == 0) channel.Close();
-        camera = listener.Accept();
-        if (i % 2 != 0) {
-            camera.Send(std::string(test::kStreamHead) + Part("x"));
-            ASSERT_TRUE(WaitUntil([&] { return !sink.pictures.empty(); }));
-            sink.pictures.clear();
-        }
-        camera.Close();
-        channel.Close();
-    }
-    EXPECT_TRUE(ComesToRest());
-    EXPECT_EQ(test::OpenDescriptors(), descriptors - 1) << "the first camera's end is closed";
-    EXPECT_EQ(test::Threads(), threads);
 }
 
 class RecordingLink : public ChannelLink {
@@ -233,27 +150,12 @@ protected:
     StreamSource source;
 };
 
-TEST_F(StreamSourceTest, IsConnectedUntilTheCameraEnds) {
-    Connect();
-    camera.Close();
-    ASSERT_TRUE(WaitUntil([&] { return link.events.size() == 2; }));
-    EXPECT_FALSE(source.IsConnected());
-    EXPECT_TRUE(source.HasSettled());
-}
-
 TEST_F(StreamSourceTest, IsConnectedUntilAReceiveFails) {
     Connect();
     camera.Reset();
     ASSERT_TRUE(WaitUntil([&] { return link.events.size() == 2; }));
     EXPECT_EQ(link.events.back(), NETEVENT_ERROR);
     EXPECT_FALSE(source.IsConnected());
-}
-
-TEST_F(StreamSourceTest, RefusedIsNotSettled) {
-    Start(test::RefusingPort());
-    ASSERT_TRUE(WaitUntil([&] { return !link.events.empty(); }));
-    EXPECT_EQ(link.events, Events{NETEVENT_ERROR});
-    EXPECT_FALSE(source.HasSettled());
 }
 
 TEST_F(StreamSourceTest, StopsSilentlyAlsoFromWithinADelivery) {

@@ -66,34 +66,5 @@ private:
     std::size_t allocationsAtFirst = 0;
 };
 
-TEST(StreamAllocationTest, AThousandPicturesAllocateNothing) {
-    test::LoopbackListener listener;
-    Middle middle;
-    Tail tail(middle);
-    StreamSource source;
-    ASSERT_TRUE(source.Init(test::MakeRecord("127.0.0.1", listener.Port())));
-    source.SetNext(&middle);
-    middle.SetNext(&tail);
-    ASSERT_TRUE(source.Start(nullptr));
-    test::LoopbackPeer camera = listener.Accept();
-    ASSERT_TRUE(test::WaitUntil([&] { return source.IsConnected(); }));
-    camera.Send(test::kStreamHead);
-
-    const std::string part = test::Part(std::string(5000, 'p'));
-    const std::size_t before = g_allocations;
-    for (int i = 0; i < kPictures; ++i) {
-        camera.Send(part);
-        for (int turn = 0; turn < 1000 && tail.pictures <= i; ++turn) {
-            QCoreApplication::processEvents();
-        }
-    }
-    const std::size_t after = g_allocations;
-    EXPECT_EQ(tail.pictures, kPictures);
-    EXPECT_EQ(tail.bytes, kPictures * 5000U);
-    EXPECT_EQ(tail.allocations, 0U);
-    EXPECT_EQ(after - before, 0U);
-    EXPECT_FALSE(tail.moved);
-}
-
 }  // namespace
 }  // namespace marvolen

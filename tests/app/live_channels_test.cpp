@@ -1,0 +1,180 @@
+// The channels without a window: sixteen cameras, timers that tick when the test says so, and a
+// view that takes notes.
+
+#include "app/live_channels.h"
+
+#include "net/channel_link.h"
+#include "net/frame_receiver.h"
+#include "net/net_event_owner.h"
+#include "platform/text_field.h"
+#include "record/record_file.h"
+#include "tests/app/cameras.h"
+#include "tests/support/event_loop.h"
+
+#include <algorithm>
+#include <array>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace marvolen {
+namespace {
+
+using test::WaitUntil;
+
+class Pane final : public FrameReceiver {
+public:
+    int opened = 0;
+    int frames = 0;
+    bool connected = false;
+    bool recording = false;
+
+    void Deliver(FramePtr frame) override {
+        ++frames;
+        Forward(std::move(frame));
+    }
+};
+
+class LiveChannelsTest : public test::Cameras,
+                         public LiveChannelsView,
+                         public ChannelTimers,
+                         public NetEventOwner {
+protected:
+    bool ReopenPane(int k, const ChannelInfo& info) override {
+        ++PaneOf(k).opened;
+        return &info == &Info(k) && k != paneThatFails;
+    }
+    FrameReceiver& PaneReceiver(int k) override { return PaneOf(k); }
+    void ShowConnected(int k, bool connected) override { PaneOf(k).connected = connected; }
+    void ShowRecording(int k, bool recording) override { PaneOf(k).recording = recording; }
+    void AddLogEntry(const ChannelInfo& info, std::string_view message) override {
+        log.push_back(std::to_string(ChannelNumber(&info)) + " " + std::string(message));
+    }
+    void SetChannelTimer(std::uint32_t id, std::uint32_t milliseconds) override {
+        timers[id] = milliseconds;
+    }
+    void KillChannelTimer(std::uint32_t id) override { timers.erase(id); }
+    void PostNetEvent(int code, ChannelInfo* info) override { posted.emplace_back(code, info); }
+
+    Pane& PaneOf(int k) { return panes[static_cast<std::size_t>(k)]; }
+    long Count(const std::string& line) { return std::count(log.begin(), log.end(), line); }
+
+    // Handles posted events until the condition holds.
+    template <typename Condition>
+    bool Run(Condition condition) {
+        return WaitUntil([&] {
+            for (const auto& [code, info] : std::exchange(posted, {})) {
+                channels.OnNetEvent(code, *info);
+            }
+            return condition();
+        });
+    }
+    bool RunUntilLive(int k) {
+        const int before = PaneOf(k).frames;
+        return Run([&] { return PaneOf(k).connected && PaneOf(k).frames > before + 1; });
+    }
+
+    std::array<Pane, kChannelCount> panes;
+    std::map<std::uint32_t, std::uint32_t> timers;  // id to period
+    std::vector<std::string> log;
+    std::vector<std::pair<int, ChannelInfo*>> posted;
+    int paneThatFails = -1;
+    LiveChannels channels{*this, *this, *this};
+};
+
+TEST_F(LiveChannelsTest, ReopensFiveSecondsAfterACloseOrError) {
+    server.SetFault(3, MakeFault(FaultKind::Refuse));
+    SetFieldText(Info(5).host, "");
+    Info(2).channelIndex = 9;  // spoilt: the record's position tells the channel
+    channels.StartAllChannels();
+    EXPECT_EQ(timers, (std::map<std::uint32_t, std::uint32_t>{{17, 30000}}));
+    for (const int k : {0, 1, 2, 9, 15}) EXPECT_TRUE(RunUntilLive(k)) << k;
+    EXPECT_EQ(Count("1 Network connect."), 1);
+    ASSERT_TRUE(Run([&] { return Count("4 Network error.") == 1; }));
+    EXPECT_EQ(timers[3], 5000U);
+    EXPECT_EQ(panes[5].opened, 1) << "a channel without a host shows its name";
+    EXPECT_FALSE(channels.Recorder(5).IsOpen());
+
+    server.Drop(2);
+    ASSERT_TRUE(Run([&] { return Count("3 Network close.") == 1; }));
+    EXPECT_EQ(timers[2], 5000U);
+    EXPECT_FALSE(panes[2].connected);
+    EXPECT_FALSE(channels.Recorder(2).IsOpen());
+    EXPECT_TRUE(panes[9].connected);
+    channels.OnTimer(2);
+    EXPECT_FALSE(timers.contains(2)) << "ticks once";
+    EXPECT_TRUE(RunUntilLive(2));
+    EXPECT_EQ(Count("3 Network close."), 1) << "one close, one entry";
+}
+
+TEST_F(LiveChannelsTest, TheWatchdogRestartsTheSilentAndCancelsTheirReconnects) {
+    server.SetFault(2, MakeFault(FaultKind::Silent));
+    server.SetFault(7, MakeFault(FaultKind::Close));
+    SetFieldText(Info(5).port, "no port");
+    SetFieldText(Info(6).host, "");
+    channels.StartAllChannels();
+    for (const int k : {0, 1, 3}) ASSERT_TRUE(RunUntilLive(k)) << k;
+    ASSERT_TRUE(Run([&] { return Count("8 Network close.") == 1; }));
+    for (int tick = 1; tick <= 2; ++tick) {
+        ASSERT_TRUE(RunUntilLive(0));
+        channels.OnTimer(kWatchdogTimer);
+        for (const int silent : {3, 6, 8}) {
+            EXPECT_EQ(Count(std::to_string(silent) + " Unknown Error."), tick) << silent;
+        }
+    }
+    EXPECT_EQ(Count("7 Unknown Error."), 0) << "has no host";
+    EXPECT_EQ(Count("1 Unknown Error."), 0) << "delivers pictures";
+    EXPECT_FALSE(timers.contains(7));
+    EXPECT_TRUE(timers.contains(17));
+    server.SetFault(2, {});
+    channels.OnTimer(kWatchdogTimer);
+    EXPECT_TRUE(RunUntilLive(2));
+}
+
+TEST_F(LiveChannelsTest, OneThatCannotOpenStopsThoseBeforeItAndTheWatchdog) {
+    SetFieldText(Info(9).recordPath, "missing/folder/x.dbt");
+    Info(11).maxSizeMB = 0;
+    paneThatFails = 12;
+    channels.StartAllChannels();
+    for (int k = 13; k < kChannelCount; ++k) EXPECT_TRUE(RunUntilLive(k)) << k;
+    for (int k = 0; k < 13; ++k) EXPECT_FALSE(channels.Recorder(k).IsOpen()) << k;
+    EXPECT_TRUE(timers.empty());
+    channels.StopAllChannels(CloseFlag::Ordered);
+    for (int k = 0; k < kChannelCount; ++k) EXPECT_FALSE(channels.Recorder(k).IsOpen()) << k;
+}
+
+TEST_F(LiveChannelsTest, WhatIsWantedToRecordOutlivesEveryReopening) {
+    for (const int k : {0, 5}) channels.SetRecording(k, true);
+    SetFieldText(Info(5).host, "");
+    channels.StartAllChannels();
+    EXPECT_TRUE(panes[5].recording);
+    for (int turn = 0; turn < 2; ++turn) {
+        const auto size = [] { return std::filesystem::file_size("drive_c/chl01.dbt"); };
+        const std::uintmax_t before = size();
+        EXPECT_TRUE(Run([&] { return size() > before + 19264; })) << "turn " << turn;
+        server.Drop(0);
+        ASSERT_TRUE(Run([&] { return !channels.Recorder(0).IsOpen(); }));
+        EXPECT_TRUE(channels.IsRecording(0) && panes[0].recording);
+        channels.OnTimer(0);
+    }
+    channels.SetRecording(0, false);
+    EXPECT_FALSE(panes[0].recording);
+    channels.StopAllChannels(CloseFlag::Ordered);
+    RecordFile file;
+    EXPECT_TRUE(file.OpenForRead("drive_c/chl01.dbt"));
+    EXPECT_EQ(std::filesystem::file_size("drive_c/chl02.dbt"), 19264U) << "was never recorded";
+}
+
+TEST_F(LiveChannelsTest, AnEventOfAChannelClosedSinceIsIgnored) {
+    channels.StartAllChannels();
+    ASSERT_TRUE(RunUntilLive(4));
+    channels.StopAllChannels(CloseFlag::Ordered);
+    channels.OnNetEvent(NETEVENT_CLOSE, Info(4));
+    EXPECT_EQ(Count("5 Network close."), 0);
+    EXPECT_TRUE(timers.empty());
+}
+
+}  // namespace
+}  // namespace marvolen
