@@ -81,9 +81,7 @@ void MarkerReader::ReadHuffmanTables() {
             counts[length] = static_cast<std::uint8_t>(Read8());
             total += counts[length];
         }
-        if (total > kMaxHuffmanCodes || !HuffmanTable::FitsCodeSpace(counts.data())) {
-            Fail(kJpegErrorHuffmanCodes);
-        }
+        if (total > kMaxHuffmanCodes) Fail(kJpegErrorHuffmanCodes);
         std::array<std::uint8_t, 256> symbols{};
         for (int i = 0; i < total; ++i) {
             symbols[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(Read8());
@@ -92,6 +90,8 @@ void MarkerReader::ReadHuffmanTables() {
         remainder -= total + 17;
         const int slotNumber = (classAndNumber & 15) + kFirstAcSlot * (classAndNumber >> 4 & 1);
         if (slotNumber >= kHuffmanSlots) Fail(kJpegErrorHuffmanSlot);
+        // Last, so that it hides none of the other errors.
+        if (!HuffmanTable::FitsCodeSpace(counts.data())) Fail(kJpegErrorHuffmanCodes);
         HuffmanSlot& slot = tables.huffman[static_cast<std::size_t>(slotNumber)];
         if (slot.counts == nullptr) {
             slot.counts = allocations.AllocateArray<std::uint8_t>(counts.size());

@@ -191,10 +191,8 @@ void ProgressiveDecoder::AcRefine(const JpegScan& scan, std::size_t component, i
         }
         const bool positive = size == 1 && reader.ReadBits(1) == 1;
         k = RefineNonZero(block, k, end, run, bit);
-        if (size == 1) {
-            if (k > 63) Fail(kJpegErrorCorrupt);
-            block[Natural(k)] = ShiftLeft(positive ? 1 : -1, bit);
-        }
+        if (k > end) Fail(kJpegErrorCorrupt);
+        if (size == 1) block[Natural(k)] = ShiftLeft(positive ? 1 : -1, bit);
         ++k;
     }
     if (state.endOfBandRun > 0) {
