@@ -19,7 +19,12 @@ constexpr std::uint64_t kLargestPosition =
 // O_NONBLOCK keeps the open of a pipe nobody writes to from waiting; files don't know it.
 constexpr int kCommonFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
+bool MeansNoSpace(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
 FileOpenError ErrorOfOpen(int error) {
+    if (MeansNoSpace(error)) return FileOpenError::kNoSpace;
     switch (error) {
         case ENOENT:
         case ENOTDIR:
@@ -37,6 +42,11 @@ FileOpenError ErrorOfOpen(int error) {
 bool FileHandle::Fail(FileOpenError error) {
     Close();
     openError = error;
+    return false;
+}
+
+bool FileHandle::FailToStore(int error) {
+    ranOutOfSpace = MeansNoSpace(error);
     return false;
 }
 
@@ -61,6 +71,7 @@ bool FileHandle::IsAt(const std::string& path) const {
 bool FileHandle::HoldDescriptor(const std::string& path, int flags, Hold hold) {
     Close();
     openError = FileOpenError::kNone;
+    ranOutOfSpace = false;
     do {
         descriptor = open(path.c_str(), flags | kCommonFlags, 0666);
     } while (descriptor < 0 && errno == EINTR);
@@ -139,7 +150,7 @@ bool FileHandle::Write(const void* buffer, std::uint32_t count, std::uint32_t& m
             pwrite(descriptor, bytes + moved, count - moved, static_cast<off_t>(position));
         if (put < 0 && errno == EINTR) continue;
         // A write that takes nothing would be repeated for ever.
-        if (put <= 0) return false;
+        if (put <= 0) return FailToStore(put < 0 ? errno : 0);
         moved += static_cast<std::uint32_t>(put);
         position += static_cast<std::uint64_t>(put);
     }
@@ -149,7 +160,7 @@ bool FileHandle::Write(const void* buffer, std::uint32_t count, std::uint32_t& m
 bool FileHandle::Truncate() {
     if (!IsOpen()) return false;
     while (ftruncate(descriptor, static_cast<off_t>(position)) != 0) {
-        if (errno != EINTR) return false;
+        if (errno != EINTR) return FailToStore(errno);
     }
     return true;
 }

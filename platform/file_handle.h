@@ -25,7 +25,8 @@ enum class FileOpenError {
     kMissing,      // no such file or folder
     kInUse,        // held by another handle, or replaced again and again while being opened
     kNotAFile,     // a directory, device, pipe or socket
-    kInaccessible  // anything else: permission, a full disk, a bad path
+    kNoSpace,      // the disk or a quota has no room for a new file
+    kInaccessible  // anything else: permission, a bad path
 };
 
 class FileHandle {
@@ -74,6 +75,10 @@ public:
     // Ends the file at the position.
     bool Truncate();
 
+    // Whether the latest Write or Truncate that failed did so for lack of room: on the disk, within
+    // a quota, or up to the largest size a file may have. False until one has since the open.
+    bool RanOutOfSpace() const { return ranOutOfSpace; }
+
 private:
     enum class Hold { kExclusive, kShared };
 
@@ -81,10 +86,12 @@ private:
     bool HoldDescriptor(const std::string& path, int flags, Hold hold);
     bool IsAt(const std::string& path) const;
     bool Fail(FileOpenError error);
+    bool FailToStore(int error);
 
     int descriptor = -1;
     std::uint64_t position = 0;
     FileOpenError openError = FileOpenError::kNone;
+    bool ranOutOfSpace = false;
 };
 
 }  // namespace marvolen

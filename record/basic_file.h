@@ -46,6 +46,11 @@ public:
 
     bool IsOpen() const { return handle.IsOpen(); }
 
+    // Why the latest Create or Open failed.
+    FileOpenError OpenError() const { return handle.OpenError(); }
+    // Whether the latest write that failed since the open did so for lack of room.
+    bool RanOutOfSpace() const { return handle.RanOutOfSpace(); }
+
 protected:
     // Opens an existing file as it is, or makes an empty one, as Open and Create do.
     bool OpenOrMake(const std::string& path) { return handle.OpenOrMake(path); }

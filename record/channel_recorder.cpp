@@ -24,7 +24,9 @@ bool ChannelRecorder::Open(ChannelInfo* channel, FrameReceiver* pane, NetEventOw
     }
     writer.reset(new (std::nothrow) RecordWriter);
     if (!writer || !writer->Open(*channel)) {
+        const RecordTrouble reason = writer ? writer->Trouble() : RecordTrouble::CannotOpen;
         Close(CloseFlag::Ended);
+        NoteTrouble(reason);
         return false;
     }
     source->SetNext(pane);
@@ -33,6 +35,7 @@ bool ChannelRecorder::Open(ChannelInfo* channel, FrameReceiver* pane, NetEventOw
     recording = false;
     frameCount = 0;
     opened = true;
+    NoteTrouble(RecordTrouble::None);
     return true;
 }
 
@@ -66,7 +69,14 @@ void ChannelRecorder::Close(CloseFlag) {
 
 void ChannelRecorder::Deliver(FramePtr frame) {
     ++frameCount;
-    if (recording && frame->Time()) Forward(std::move(frame));
+    if (!recording || !frame->Time()) return;
+    Forward(std::move(frame));
+    if (writer) NoteTrouble(writer->Trouble());
+}
+
+void ChannelRecorder::NoteTrouble(RecordTrouble now) {
+    if (now == std::exchange(trouble, now) || !troubleHandler) return;
+    troubleHandler(now);
 }
 
 }  // namespace marvolen

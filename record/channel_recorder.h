@@ -12,9 +12,12 @@
 #include "config/channel_info.h"
 #include "net/channel_link.h"
 #include "net/frame_receiver.h"
+#include "record/record_trouble.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace marvolen {
 
@@ -58,6 +61,17 @@ public:
     bool IsConnected() const;
     bool HasSettled() const;
 
+    // What kept the channel's file from being opened, or its latest frame from being written; None
+    // while it records, or would. It outlives Close and a failed Open, whose reason it is. An Open
+    // that fails on the source, before the file, leaves it as it was.
+    RecordTrouble Trouble() const { return trouble; }
+
+    // handler is called with each new value of Trouble, from within Open and Deliver; an empty one
+    // is not. It must not open or close the recorder.
+    void SetTroubleHandler(std::function<void(RecordTrouble)> handler) {
+        troubleHandler = std::move(handler);
+    }
+
     // Ends the connection, unlinks the chain and closes the record file. Harmless when closed.
     virtual void Close(CloseFlag flag);
 
@@ -67,11 +81,15 @@ public:
 private:
     using ChannelLink::Close;
 
+    void NoteTrouble(RecordTrouble now);
+
     std::unique_ptr<StreamSource> source;  // null while closed
     std::unique_ptr<RecordWriter> writer;  // null while closed
     bool recording = false;                // frames are written
     std::uint32_t frameCount = 0;          // since the last TakeFrameCount
     bool opened = false;
+    RecordTrouble trouble = RecordTrouble::None;
+    std::function<void(RecordTrouble)> troubleHandler;
 };
 
 }  // namespace marvolen

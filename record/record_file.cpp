@@ -13,8 +13,14 @@ void RecordFile::Reset() {
     readChunk = {};
     cursor = 0;
     chunkList.clear();
+    trouble = RecordTrouble::None;
     // Close leaves a ring file's watch as it was; a file being opened must not have one.
     SetWatch(false);
+}
+
+bool RecordFile::Fail(RecordTrouble reason) {
+    trouble = reason;
+    return false;
 }
 
 bool RecordFile::WriteAll(const void* buf, std::uint32_t n) {

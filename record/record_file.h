@@ -23,6 +23,7 @@
 
 #include "net/video_frame.h"
 #include "record/record_format.h"
+#include "record/record_trouble.h"
 #include "record/ring_file.h"
 #include "record/ring_geometry.h"
 
@@ -60,6 +61,10 @@ public:
     // Writes back the index block and the header, then closes. Nothing else makes the newest
     // records known to the file.
     void CloseWriter();
+
+    // What the latest CreateNew, OpenAppend, OpenOrCreateNew or WriteFrame failed on; None after
+    // one that worked. A frame without a time is no trouble: it isn't to be recorded.
+    RecordTrouble Trouble() const { return trouble; }
 
     // Opens for reading, at the oldest record. A file without records can't be opened.
     bool OpenForRead(const std::string& path);
@@ -101,6 +106,8 @@ private:
     bool ReadAll(void* buf, std::uint32_t n);
 
     void Reset();
+    bool Fail(RecordTrouble reason);
+    bool FailToOpen();
     bool StartRecording(std::uint64_t newMaxSize);
     bool GoOn(std::uint64_t newMaxSize);
     RingGeometry StoredRing();
@@ -112,6 +119,7 @@ private:
                          std::uint64_t& end);
     std::uint64_t RoomBeforeOwnBlock();
     bool MakeRoom(std::uint32_t length);
+    bool AppendRecord(const void* data, std::uint32_t length, const SYSTEMTIME& stamp);
     bool StartChunk(Former former);
     std::uint64_t SuccessorOfHead();
     bool IsBehindHead(std::uint64_t pos);
@@ -122,6 +130,8 @@ private:
     ChunkBlock readChunk{};
     std::uint32_t cursor = 0;              // the current record's entry in readChunk
     std::vector<std::uint64_t> chunkList;  // chunk positions, oldest first; readers only
+
+    RecordTrouble trouble = RecordTrouble::None;
 
     RingGeometry ring;           // the ring as the open file has it
     std::uint64_t blockEnd = 0;  // where writeChunk's block wraps: the ring's end when it began

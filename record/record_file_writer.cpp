@@ -20,10 +20,18 @@ ChunkHeader EmptyChunk(std::uint64_t pos, std::uint64_t prev) {
 
 bool RecordFile::CreateNew(const std::string& path, std::uint64_t newMaxSize) {
     Reset();
-    if (!AcceptsMaxSize(newMaxSize) || !Create(path)) return false;
-    if (StartRecording(newMaxSize)) return true;
+    if (!AcceptsMaxSize(newMaxSize)) return Fail(RecordTrouble::BadMaximum);
+    return (Create(path) && StartRecording(newMaxSize)) || FailToOpen();
+}
+
+// For an opening that got as far as the disk.
+bool RecordFile::FailToOpen() {
+    const bool inUse = OpenError() == FileOpenError::kInUse;
+    const bool full = OpenError() == FileOpenError::kNoSpace || RanOutOfSpace();
     Close();
-    return false;
+    return Fail(inUse  ? RecordTrouble::InUse
+                : full ? RecordTrouble::NoSpace
+                       : RecordTrouble::CannotOpen);
 }
 
 // Makes a record file of one that holds a fresh ring header.
@@ -37,23 +45,21 @@ bool RecordFile::StartRecording(std::uint64_t newMaxSize) {
 
 bool RecordFile::OpenAppend(const std::string& path, std::uint64_t newMaxSize) {
     Reset();
-    if (!AcceptsMaxSize(newMaxSize) || !Open(path)) return false;
-    if (GoOn(newMaxSize)) return true;
-    Close();
-    return false;
+    if (!AcceptsMaxSize(newMaxSize)) return Fail(RecordTrouble::BadMaximum);
+    return (Open(path) && GoOn(newMaxSize)) || FailToOpen();
 }
 
 bool RecordFile::OpenOrCreateNew(const std::string& path, std::uint64_t newMaxSize) {
     Reset();
-    if (!AcceptsMaxSize(newMaxSize) || !OpenOrMake(path)) return false;
+    if (!AcceptsMaxSize(newMaxSize)) return Fail(RecordTrouble::BadMaximum);
+    if (!OpenOrMake(path)) return FailToOpen();
     if (TakeUpRing() && GoOn(newMaxSize)) return true;
     // A file just made ends up here too: it holds nothing.
     if (!transferFailed && SetLimited(false) && Seek(0) && SetEndOfFile() && StartRing() &&
         StartRecording(newMaxSize)) {
         return true;
     }
-    Close();
-    return false;
+    return FailToOpen();
 }
 
 // Goes on with the recording behind a ring header. False without a failed transfer: there is none
@@ -137,11 +143,18 @@ bool RecordFile::KeepChunksBelow(std::uint64_t newMaxSize, const std::vector<std
 bool RecordFile::WriteFrame(const VideoFrame& frame) {
     const SYSTEMTIME* const stamp = frame.Time();
     if (stamp == nullptr || !IsOpen()) return false;
-    if (frame.Length() > ring.Size() - kChunkBlockSize || !MakeRoom(frame.Length())) return false;
+    if (frame.Length() > ring.Size() - kChunkBlockSize) return Fail(RecordTrouble::BadMaximum);
+    if (!MakeRoom(frame.Length()) || !AppendRecord(frame.Data(), frame.Length(), *stamp)) {
+        return Fail(RanOutOfSpace() ? RecordTrouble::NoSpace : RecordTrouble::WriteFailed);
+    }
+    trouble = RecordTrouble::None;
+    return true;
+}
 
+bool RecordFile::AppendRecord(const void* data, std::uint32_t length, const SYSTEMTIME& stamp) {
     const std::uint64_t pos = Tell();
-    writeChunk.entries[writeChunk.header.count] = {pos, frame.Length(), *stamp};
-    if (!WriteAll(frame.Data(), frame.Length())) {
+    writeChunk.entries[writeChunk.header.count] = {pos, length, stamp};
+    if (!WriteAll(data, length)) {
         Seek(pos);  // the next record begins where this one would have
         return false;
     }

@@ -7,24 +7,24 @@
 #include "platform/window.h"
 #include "record/record_file.h"
 #include "record/record_verifier.h"
-#include "record/record_writer.h"
+#include "tests/support/loopback.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/camera_server/camera_server.h"
 #include "tools/camera_server/pattern_pictures.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
+#include <QDeadlineTimer>
 #include <QTimer>
 
-#include <algorithm>
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
-#include <span>
 #include <string>
-#include <unistd.h>
+#include <sys/resource.h>
 #include <vector>
 
 namespace marvolen {
@@ -32,21 +32,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kPatience = 20000;  // ms
 constexpr std::uint32_t kSlotBytes = 204800;
 
 // Runs the event loop without a pause, as the program does, until the condition holds; false when
 // it doesn't for milliseconds.
 template <typename Condition>
 bool RunUntil(Condition condition, int milliseconds) {
-    QEventLoop loop;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (condition()) loop.quit();
-    });
-    poll.start(5);
-    QTimer::singleShot(milliseconds, &loop, [&loop] { loop.exit(1); });
-    return loop.exec() == 0;
+    const QDeadlineTimer deadline(milliseconds);
+    QTimer wake;
+    wake.start(5);
+    while (!condition() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return condition();
 }
 
 class EventWindow : public CWnd, public NetEventOwner {
@@ -137,145 +135,28 @@ protected:
     ChannelRecorder recorder;
 };
 
-TEST_F(Recorder, HoldsANewFileOpenFromTheStart) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    EXPECT_TRUE(recorder.IsOpen());
-    EXPECT_EQ(fs::file_size(kPath), 19264U);
-    RecordFile other;
-    EXPECT_FALSE(other.OpenForRead(kPath));
-    EXPECT_FALSE(other.CreateNew(kPath, 1 << 20));
-    EXPECT_EQ(fs::file_size(kPath), 19264U);
-    recorder.Close(CloseFlag::Ordered);
-    EXPECT_TRUE(other.OpenAppend(kPath, 1 << 20));
-}
-
-TEST_F(Recorder, CountsEveryFrameAndWritesStampedOnesWhileRecording) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    Deliver(true);
-    Deliver(false);
-    EXPECT_EQ(recorder.TakeFrameCount(), 2U);
-    EXPECT_EQ(recorder.TakeFrameCount(), 0U);
-    recorder.SetRecording(true);
-    Deliver(false);
-    Deliver(true);
-    Deliver(true);
-    recorder.SetRecording(false);
-    Deliver(true);
-    EXPECT_EQ(recorder.TakeFrameCount(), 4U);
-    recorder.Close(CloseFlag::Ended);
-    EXPECT_EQ(Records(), 2U);
+TEST_F(Recorder, HoldsItsFileCountsEveryFrameAndWritesStampedOnesWhileRecording) {
+    for (std::size_t run = 1; run <= 2; ++run) {
+        recorder.SetRecording(true);  // off after every open
+        ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
+        EXPECT_EQ(fs::file_size(kPath), run == 1 ? 19264U : 19464U);
+        EXPECT_EQ(Records(), 0U) << "it is held";
+        Deliver(true);
+        Deliver(false);
+        EXPECT_EQ(recorder.TakeFrameCount(), 2U);
+        EXPECT_EQ(recorder.TakeFrameCount(), 0U);
+        recorder.SetRecording(true);
+        Deliver(false);
+        Deliver(true);
+        Deliver(true);
+        recorder.SetRecording(false);
+        Deliver(true);
+        EXPECT_EQ(recorder.TakeFrameCount(), 4U);
+        recorder.Close(CloseFlag::Ended);
+        EXPECT_EQ(Records(), 2 * run);
+    }
     for (int k = 0; k < 20; ++k) Deliver(true);  // slots all went back to the pool
-}
-
-TEST_F(Recorder, StartsWithRecordingOffAfterEveryOpen) {
-    recorder.SetRecording(true);
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    Deliver(true);
-    recorder.Close(CloseFlag::Ordered);
-    EXPECT_EQ(Records(), 0U);
-    EXPECT_EQ(fs::file_size(kPath), 19264U);
-}
-
-TEST_F(Recorder, GoesOnBehindWhatWasRecorded) {
-    for (int run = 1; run <= 3; ++run) {
-        ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-        recorder.SetRecording(true);
-        Deliver(true);
-        recorder.Close(CloseFlag::Ordered);
-        EXPECT_EQ(Records(), static_cast<std::size_t>(run));
-    }
-}
-
-TEST_F(Recorder, ReplacesAForeignFile) {
-    fs::create_directory("drive_c");
-    test::WriteWholeFile(kPath, std::string(50000, 'x'));
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    EXPECT_EQ(fs::file_size(kPath), 19264U);
-}
-
-TEST_F(Recorder, ARefusedMaximumLeavesTheRecordingUntouched) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    recorder.SetRecording(true);
-    Deliver(true);
-    recorder.Close(CloseFlag::Ordered);
-    const std::string before = test::ReadWholeFile(kPath);
-    channel.maxSizeMB = 0;
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        EXPECT_FALSE(recorder.Open(&channel, &pane, &window));
-        EXPECT_FALSE(recorder.IsOpen());
-        EXPECT_FALSE(pane.IsWired());
-    }
-    EXPECT_EQ(test::ReadWholeFile(kPath), before);
-}
-
-// Whoever holds the file lets go in the moment in which it would be created anew.
-class LateRecordWriter : public RecordWriter {
-public:
-    bool Create(const std::string& path) override {
-        holder.Close();
-        return RecordWriter::Create(path);
-    }
-    FileHandle holder;
-};
-
-TEST_F(Recorder, NeverReplacesAFileThatWasInUse) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    recorder.SetRecording(true);
-    Deliver(true);
-    recorder.Close(CloseFlag::Ordered);
-    {
-        LateRecordWriter writer;
-        ASSERT_TRUE(writer.holder.OpenShared(kPath));
-        EXPECT_FALSE(writer.Open(channel));
-        writer.holder.Close();
-        EXPECT_TRUE(writer.Open(channel)) << "the next try";
-    }
-    EXPECT_EQ(Records(), 1U);
-}
-
-// No permission binds root, so as root these files are opened by nobody.
-TEST_F(Recorder, LeavesAFileAloneThatMayNotBeWritten) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-    recorder.SetRecording(true);
-    Deliver(true);
-    recorder.Close(CloseFlag::Ordered);
-    const std::string before = test::ReadWholeFile(kPath);
-    fs::permissions(kPath, fs::perms(0444));
-    fs::permissions(".", fs::perms::all);
-    const bool root = geteuid() == 0;
-    if (root) {
-        ASSERT_EQ(seteuid(65534), 0);
-    }
-    const bool opened = recorder.Open(&channel, &pane, &window);
-    if (root) {
-        ASSERT_EQ(seteuid(0), 0);
-    }
-    EXPECT_FALSE(opened);
-    EXPECT_FALSE(recorder.IsOpen());
-    EXPECT_EQ(test::ReadWholeFile(kPath), before);
-}
-
-TEST_F(Recorder, TouchesNoOtherFile) {
-    fs::create_directory("drive_c");
-    test::WriteWholeFile("drive_c/chl02.dbt", "another channel's");
-    for (int run = 0; run < 2; ++run) {
-        ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
-        recorder.SetRecording(true);
-        Deliver(true);
-        recorder.Close(CloseFlag::Ordered);
-    }
-    EXPECT_EQ(test::ReadWholeFile("drive_c/chl02.dbt"), "another channel's");
-    std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(".")) {
-        names.push_back(entry.path().string());
-    }
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"./drive_c", "./drive_c/chl01.dbt",
-                                               "./drive_c/chl02.dbt"}));
-}
-
-TEST_F(Recorder, TakesTheMaximumAsUnsigned) {
-    channel.maxSizeMB = -1;
+    channel.maxSizeMB = -1;                      // taken as unsigned
     ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
     recorder.Close(CloseFlag::Ordered);
     RecordScan scan;
@@ -283,22 +164,73 @@ TEST_F(Recorder, TakesTheMaximumAsUnsigned) {
     EXPECT_EQ(scan.Header().maxSize, 0xFFFFFFFFULL * 1048576);
 }
 
-TEST_F(Recorder, AFailedOpenLeavesItClosedWithNothingHeld) {
-    const char* const paths[] = {"", "missing/folder/x.dbt", ".", "c:\\missing\\x.dbt"};
-    for (const char* path : paths) {
-        SetFieldText(channel.recordPath, path);
-        EXPECT_FALSE(recorder.Open(&channel, &pane, &window)) << path;
-        EXPECT_FALSE(recorder.IsOpen());
-        EXPECT_FALSE(recorder.Connect());
+TEST_F(Recorder, AFailedOpenSaysWhyHoldsNothingAndTouchesNoRecording) {
+    std::vector<RecordTrouble> heard;
+    recorder.SetTroubleHandler([&heard](RecordTrouble trouble) { heard.push_back(trouble); });
+    ASSERT_TRUE(recorder.Open(&channel, &pane, &window));
+    recorder.SetRecording(true);
+    Deliver(true);
+    recorder.Close(CloseFlag::Ordered);
+    EXPECT_TRUE(heard.empty());
+    const std::string before = test::ReadWholeFile(kPath);
+    FileHandle holder;
+    ASSERT_TRUE(holder.OpenShared(kPath));
+    const struct {
+        const char* path;
+        std::int32_t maxSizeMB;
+        RecordTrouble trouble;
+    } kFailures[] = {{"c:\\chl01.dbt", 2, RecordTrouble::InUse},
+                     {"c:\\chl01.dbt", 0, RecordTrouble::BadMaximum},
+                     {"", 2, RecordTrouble::CannotOpen},
+                     {"missing/folder/x.dbt", 2, RecordTrouble::CannotOpen},
+                     {".", 2, RecordTrouble::CannotOpen}};
+    for (const auto& failure : kFailures) {
+        SetFieldText(channel.recordPath, failure.path);
+        channel.maxSizeMB = failure.maxSizeMB;
+        EXPECT_FALSE(recorder.Open(&channel, &pane, &window)) << failure.path;
+        EXPECT_EQ(recorder.Trouble(), failure.trouble) << failure.path;
+        EXPECT_FALSE(recorder.IsOpen() || pane.IsWired() || recorder.Connect());
         EXPECT_FALSE(recorder.IsConnected() || recorder.HasSettled());
         EXPECT_EQ(recorder.TakeFrameCount(), 0U);
         recorder.Close(CloseFlag::Ended);
+        EXPECT_EQ(recorder.Trouble(), failure.trouble) << "as long as nothing works";
     }
-    SetFieldText(channel.recordPath, "x.dbt");
+    EXPECT_EQ(test::ReadWholeFile(kPath), before);
+    holder.Close();
+    channel = MakeChannel(0);
     EXPECT_TRUE(recorder.Open(&channel, &pane, &window));
-    ChannelRecorder second;
-    PassingReceiver otherPane;
-    EXPECT_FALSE(second.Open(&channel, &otherPane, &window)) << "the file is held";
+    EXPECT_EQ(heard, (std::vector{RecordTrouble::InUse, RecordTrouble::BadMaximum,
+                                  RecordTrouble::CannotOpen, RecordTrouble::None}));
+}
+
+TEST_F(Recorder, SaysWhenADiskIsFullAndWhenThereIsRoomAgain) {
+    std::vector<RecordTrouble> heard;
+    recorder.SetTroubleHandler([&heard](RecordTrouble trouble) { heard.push_back(trouble); });
+    rlimit unlimited{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    const auto limit = [&](rlim_t bytes) {
+        const rlimit limited{bytes, unlimited.rlim_max};
+        return setrlimit(RLIMIT_FSIZE, &limited) == 0;
+    };
+    ASSERT_TRUE(limit(10000));
+    EXPECT_FALSE(recorder.Open(&channel, &pane, &window)) << "no room for the first block";
+    ASSERT_TRUE(limit(19264 + 150));
+    EXPECT_TRUE(recorder.Open(&channel, &pane, &window));
+    recorder.SetRecording(true);
+    for (int k = 0; k < 3; ++k) Deliver(true);
+    recorder.SetRecording(false);
+    ASSERT_TRUE(limit(unlimited.rlim_cur));
+    Deliver(true);
+    EXPECT_EQ(recorder.Trouble(), RecordTrouble::NoSpace) << "nothing has been written since";
+    recorder.SetRecording(true);
+    for (int k = 0; k < 2; ++k) Deliver(true);
+    EXPECT_EQ(heard, (std::vector{RecordTrouble::NoSpace, RecordTrouble::None,
+                                  RecordTrouble::NoSpace, RecordTrouble::None}));
+    recorder.Close(CloseFlag::Ordered);
+    EXPECT_EQ(Records(), 3U);
+    Deliver(true);  // recording is still switched on
+    std::signal(SIGXFSZ, signalBefore);
 }
 
 TEST_F(Recorder, LinksTheChainAndUnlinksAllOfIt) {
@@ -324,7 +256,7 @@ protected:
     Recording() : server(Options(), std::make_shared<PatternPictures>(kPictureBytes)) {
         EXPECT_TRUE(server.Start()) << server.Error();
         const char* seconds = std::getenv("MARVOLEN_RECORD_SECONDS");
-        pictures = 30 * (seconds ? std::strtoul(seconds, nullptr, 10) : 4UL);
+        pictures = seconds ? 30 * std::strtoul(seconds, nullptr, 10) : 20;
         for (int k = 0; k < kChannelCount; ++k) {
             ChannelInfo& channel = channels[static_cast<std::size_t>(k)];
             channel = MakeChannel(k);
@@ -335,7 +267,9 @@ protected:
 
     static CameraServerOptions Options() {
         CameraServerOptions options;
-        options.checkCredentials = true;
+        if (std::getenv("MARVOLEN_RECORD_SECONDS") == nullptr) {
+            options.period = std::chrono::milliseconds(5);
+        }
         return options;
     }
 
@@ -377,7 +311,7 @@ TEST_F(Recording, OfSixteenChannelsLosesNothing) {
         ASSERT_TRUE(recorders[k].Connect());
         recorders[k].SetRecording(true);
     }
-    const int patience = kPatience + static_cast<int>(pictures) * 100;
+    const int patience = test::kPatience + static_cast<int>(pictures) * 100;  // ms
     for (int k = 0; k < kChannelCount; ++k) {
         ASSERT_TRUE(RunUntil([&] { return server.Stats(k).sent >= pictures; }, patience));
     }
