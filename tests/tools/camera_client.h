@@ -7,7 +7,7 @@
 #include "net/multipart_parser.h"
 #include "platform/descriptor.h"
 #include "tests/support/loopback.h"
-#include "tools/camera_server/sent_picture.h"
+#include "tools/camera_server/sent_journal.h"
 
 #include <gtest/gtest.h>
 #include <string>

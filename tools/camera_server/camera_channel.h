@@ -2,18 +2,15 @@
 
 // What a channel's port and its connections share.
 
+#include "tools/camera_server/camera_listener.h"
 #include "tools/camera_server/camera_server.h"
 #include "tools/camera_server/sent_journal.h"
 
-#include <chrono>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace marvolen {
-
-using TimePoint = std::chrono::steady_clock::time_point;
 
 struct CameraChannel {
     CameraChannel(int channelIndex, const CameraServerOptions& serverOptions,
@@ -31,6 +28,7 @@ struct CameraChannel {
 
     Fault fault;
     bool single = false;
+    CameraListener listener;
     ChannelStats stats;
     std::vector<std::string> requests;
     SentJournal journal;

@@ -16,18 +16,31 @@
 // Every operation may be called from any thread and takes effect before it returns. Channels are
 // zero-based; an operation on a channel that doesn't exist does nothing and returns an empty value.
 
+#include "platform/descriptor.h"
+#include "platform/thread_annotations.h"
 #include "tools/camera_server/fault.h"
 #include "tools/camera_server/picture_source.h"
-#include "tools/camera_server/sent_picture.h"
+#include "tools/camera_server/sent_journal.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
+struct pollfd;
+
 namespace marvolen {
+
+using TimePoint = std::chrono::steady_clock::time_point;
+
+struct CameraChannel;
+class CameraSession;
 
 struct CameraServerOptions {
     std::string address = "127.0.0.1";  // dotted IPv4 address to listen on
@@ -96,20 +109,56 @@ public:
     ChannelStats Stats(int channel) const;
 
     // Waits until the channel has sent count pictures in all, or received count requests, or has
-    // accepted count connections, or has exactly count open ones. False when the time-out passed
-    // first.
-    bool WaitForSent(int channel, std::uint64_t count,
-                     std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
-    bool WaitForRequests(int channel, std::uint64_t count,
-                         std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
-    bool WaitForConnections(int channel, std::uint64_t count,
-                            std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
-    bool WaitForOpenConnections(int channel, std::uint64_t count,
-                                std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
+    // accepted count connections, or has exactly count open ones. False when that takes more than
+    // half a minute.
+    bool WaitForSent(int channel, std::uint64_t count) const {
+        return WaitFor(channel, [count](const ChannelStats& now) { return now.sent >= count; });
+    }
+    bool WaitForRequests(int channel, std::uint64_t count) const {
+        return WaitFor(channel, [count](const ChannelStats& now) { return now.requests >= count; });
+    }
+    bool WaitForConnections(int channel, std::uint64_t count) const {
+        return WaitFor(channel,
+                       [count](const ChannelStats& now) { return now.connections >= count; });
+    }
+    bool WaitForOpenConnections(int channel, std::uint64_t count) const {
+        return WaitFor(channel,
+                       [count](const ChannelStats& now) { return now.openConnections == count; });
+    }
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
+    using Condition = std::function<bool(const ChannelStats& now)>;
+
+    bool WaitFor(int channel, const Condition& holds) const;
+    CameraChannel* Find(int channel) const REQUIRES(lock);
+    bool OptionsMakeSense() REQUIRES(lock);
+    bool OpenChannel(int index, TimePoint now) REQUIRES(lock);
+    void Drop(const CameraChannel* channel) REQUIRES(lock);
+    void End(CameraSession& session, std::string_view why) REQUIRES(lock);
+    void Wake();
+
+    // The thread's.
+    void Run();
+    TimePoint Work(TimePoint now) REQUIRES(lock);
+    void Prepare(std::vector<pollfd>& polls) const REQUIRES(lock);
+    void Dispatch(const std::vector<pollfd>& polls, TimePoint now) REQUIRES(lock);
+    void AcceptAll(CameraChannel& channel, TimePoint now) REQUIRES(lock);
+
+    const CameraServerOptions options;
+    const std::shared_ptr<PictureSource> pictures;
+
+    // Held while anybody works, never while the thread waits.
+    mutable Mutex lock;
+    mutable std::condition_variable_any changed;
+    std::string error GUARDED_BY(lock);
+    bool stopping GUARDED_BY(lock) = false;
+    std::uint64_t lastSession GUARDED_BY(lock) = 0;
+    std::vector<std::unique_ptr<CameraChannel>> channels GUARDED_BY(lock);  // made by Start
+    // Only the thread adds and removes, so that what it polls stays; others end them.
+    std::list<CameraSession> sessions GUARDED_BY(lock);
+
+    Descriptor wakeEvent;
+    std::thread thread;
 };
 
 }  // namespace marvolen

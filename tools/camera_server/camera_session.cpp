@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <utility>
@@ -106,14 +107,10 @@ bool CameraSession::Silenced() const {
             pictureNumber >= channel.fault.count);
 }
 
-bool CameraSession::OnWritable(TimePoint now) {
-    return Flush(now);
-}
-
 bool CameraSession::OnTime(TimePoint now) {
     if (phase == Phase::Lingering) return now < lingerEnd;
     if (OutputSize() > outputSent && !Flush(now)) return false;
-    if (phase == Phase::Finishing && OutputSize() == outputSent) return OnOutputDone(now);
+    if (phase == Phase::Finishing && OutputSize() == outputSent) OnOutputDone(now);
     if (phase == Phase::Answer && !Silenced()) BeginAnswer(now);
     if (phase == Phase::Stream && !Silenced() && now >= nextPicture) SendDuePicture(now);
     return Flush(now);
@@ -188,64 +185,49 @@ std::size_t CameraSession::OutputSize() const {
            output.after.size();
 }
 
+// Sends what the socket takes, a trickle's bytes one by one as their time comes.
 bool CameraSession::Flush(TimePoint now) {
+    const bool trickle = channel.fault.kind == FaultKind::Trickle;
+    const double seconds = std::chrono::duration<double>(now - trickleStart).count();
+    const auto allowed = static_cast<std::uint64_t>(seconds * channel.fault.count);
     if (OutputSize() == outputSent) return true;
-    const bool alive = channel.fault.kind == FaultKind::Trickle ? FlushByteByByte(now) : FlushAll();
-    if (!alive) return false;
-    return OutputSize() > outputSent || OnOutputDone(now);
-}
-
-bool CameraSession::FlushAll() {
-    static const std::vector<std::uint8_t> kNoBytes;
-    const std::vector<std::uint8_t>& jpeg = output.picture ? output.picture->jpeg : kNoBytes;
     while (OutputSize() > outputSent) {
-        std::array<iovec, 3> pieces{{{output.before.data(), output.before.size()},
-                                     {const_cast<std::uint8_t*>(jpeg.data()), jpeg.size()},
-                                     {output.after.data(), output.after.size()}}};
-        std::size_t skip = outputSent;
-        for (iovec& piece : pieces) {
-            const std::size_t done = std::min(skip, piece.iov_len);
-            piece.iov_base = static_cast<char*>(piece.iov_base) + done;
-            piece.iov_len -= done;
-            skip -= done;
-        }
-        msghdr message{};
-        message.msg_iov = pieces.data();
-        message.msg_iovlen = pieces.size();
-        const ssize_t count = ::sendmsg(socket.Get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (count < 0) return IsTemporary(errno);
-        outputSent += static_cast<std::size_t>(count);
-    }
-    return true;
-}
-
-bool CameraSession::FlushByteByByte(TimePoint now) {
-    const auto allowed = static_cast<std::uint64_t>(
-        std::chrono::duration<double>(now - trickleStart).count() * channel.fault.count);
-    while (OutputSize() > outputSent && trickled <= allowed) {
-        std::size_t at = outputSent;
-        const std::size_t pictureSize = output.picture ? output.picture->jpeg.size() : 0;
-        const void* byte = nullptr;
-        if (at < output.before.size()) {
-            byte = &output.before[at];
-        } else if ((at -= output.before.size()) < pictureSize) {
-            byte = &output.picture->jpeg[at];
-        } else {
-            byte = &output.after[at - pictureSize];
-        }
-        const ssize_t count = ::send(socket.Get(), byte, 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (trickle && trickled > allowed) return true;
+        const ssize_t count = SendSome(trickle ? 1 : OutputSize());
         if (count < 0) {
             trickleStart = now;
             trickled = 0;
             return IsTemporary(errno);
         }
-        ++outputSent;
+        outputSent += static_cast<std::size_t>(count);
         ++trickled;
     }
+    OnOutputDone(now);
     return true;
 }
 
-bool CameraSession::OnOutputDone(TimePoint now) {
+ssize_t CameraSession::SendSome(std::size_t most) {
+    // Sending only reads.
+    auto* const jpeg =
+        output.picture ? const_cast<std::uint8_t*>(output.picture->jpeg.data()) : nullptr;
+    iovec pieces[]{{output.before.data(), output.before.size()},
+                   {jpeg, output.picture ? output.picture->jpeg.size() : 0},
+                   {output.after.data(), output.after.size()}};
+    std::size_t skip = outputSent;
+    for (iovec& piece : pieces) {
+        const std::size_t done = std::min(skip, piece.iov_len);
+        skip -= done;
+        piece.iov_base = static_cast<char*>(piece.iov_base) + done;
+        piece.iov_len = std::min(piece.iov_len - done, most);
+        most -= piece.iov_len;
+    }
+    msghdr message{};
+    message.msg_iov = pieces;
+    message.msg_iovlen = std::size(pieces);
+    return ::sendmsg(socket.Get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+void CameraSession::OnOutputDone(TimePoint now) {
     if (outputIsPicture) NotePictureSent();
     output = {};
     outputSent = 0;
@@ -258,7 +240,6 @@ bool CameraSession::OnOutputDone(TimePoint now) {
         phase = Phase::Lingering;
         lingerEnd = now + kLinger;
     }
-    return true;
 }
 
 void CameraSession::NotePictureSent() {
@@ -281,8 +262,9 @@ void CameraSession::OnFaultChanged(TimePoint now) {
     if (phase == Phase::Stream && nextPicture < now) ScheduleNext(now);
 }
 
-void CameraSession::Disconnect() {
+void CameraSession::End() {
     ::shutdown(socket.Get(), SHUT_RDWR);
+    phase = Phase::Ended;
 }
 
 }  // namespace marvolen

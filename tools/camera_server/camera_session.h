@@ -20,26 +20,26 @@ public:
     CameraSession(Descriptor socket, std::uint64_t id, std::string peer, CameraChannel& channel,
                   TimePoint now);
 
-    std::uint64_t Id() const { return id; }
     int Handle() const { return socket.Get(); }
-    const CameraChannel& Channel() const { return channel; }
+    CameraChannel& Channel() const { return channel; }
     const std::string& Peer() const { return peer; }
 
     // When OnTime wants to be called; TimePoint::max() for never.
     TimePoint WakeTime() const;
     bool WantsWritable() const;
 
-    // Each returns false when the connection has come to its end; the session is then to be
-    // destroyed.
+    // The socket is readable; it is writable or the time has come. Each returns false when the
+    // connection has come to its end.
     bool OnReadable(TimePoint now);
-    bool OnWritable(TimePoint now);
     bool OnTime(TimePoint now);
 
     // The channel has another fault: counts begin anew, whatever was held back may go on.
     void OnFaultChanged(TimePoint now);
 
-    // The peer sees the end of the stream at once. Only destruction may follow.
-    void Disconnect();
+    // The peer sees the end of the stream at once. Only destruction, which alone closes the socket,
+    // may follow.
+    void End();
+    bool HasEnded() const { return phase == Phase::Ended; }
 
 private:
     enum class Phase {
@@ -49,6 +49,7 @@ private:
         Idle,       // nothing more will be sent
         Finishing,  // closes once the output is out
         Lingering,  // output closed; waits a moment for the peer to close as well
+        Ended,
     };
 
     bool ReadRequest(std::string_view bytes, TimePoint now);
@@ -59,9 +60,8 @@ private:
     void ScheduleNext(TimePoint now);
     void Queue(AnswerPart part, bool isPicture, TimePoint now);
     bool Flush(TimePoint now);
-    bool FlushByteByByte(TimePoint now);
-    bool FlushAll();
-    bool OnOutputDone(TimePoint now);
+    ssize_t SendSome(std::size_t most);
+    void OnOutputDone(TimePoint now);
     void NotePictureSent();
     std::size_t OutputSize() const;
 
