@@ -12,25 +12,19 @@ constexpr std::string_view kAlphabet =
 
 std::optional<std::string> DecodeBase64(std::string_view text) {
     if (text.size() % 4 != 0) return std::nullopt;
-    std::size_t padding = 0;
-    while (padding < 2 && padding < text.size() && text[text.size() - 1 - padding] == '=')
-        ++padding;
-
+    for (int padding = 0; padding < 2 && text.ends_with('='); ++padding) text.remove_suffix(1);
     std::string bytes;
-    std::uint32_t group = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        std::size_t digit = 0;
-        if (i < text.size() - padding) {
-            digit = kAlphabet.find(text[i]);
-            if (digit == std::string_view::npos) return std::nullopt;
-        }
-        group = group << 6 | static_cast<std::uint32_t>(digit);
-        if (i % 4 != 3) continue;
-        bytes += static_cast<char>(group >> 16 & 0xFF);
-        bytes += static_cast<char>(group >> 8 & 0xFF);
-        bytes += static_cast<char>(group & 0xFF);
+    std::uint32_t pending = 0;
+    int bits = 0;
+    for (const char letter : text) {
+        const std::size_t digit = kAlphabet.find(letter);
+        if (digit == std::string_view::npos) return std::nullopt;
+        pending = pending << 6 | static_cast<std::uint32_t>(digit);
+        bits += 6;
+        if (bits < 8) continue;
+        bits -= 8;
+        bytes += static_cast<char>(pending >> bits & 0xFF);
     }
-    bytes.resize(bytes.size() - padding);
     return bytes;
 }
 

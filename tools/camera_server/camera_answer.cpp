@@ -46,16 +46,10 @@ PicturePtr BitFlipped(const Picture& picture, std::uint64_t n) {
 
 PicturePtr Damaged(const Fault& fault, std::uint64_t n, const PicturePtr& picture) {
     if (!picture || picture->jpeg.size() < 4 || !Strikes(fault, n)) return picture;
-    switch (fault.kind) {
-        case FaultKind::Oversize:
-            return Oversized(*picture);
-        case FaultKind::Truncate:
-            return Truncated(*picture);
-        case FaultKind::BitFlip:
-            return BitFlipped(*picture, n);
-        default:
-            return picture;
-    }
+    if (fault.kind == FaultKind::Oversize) return Oversized(*picture);
+    if (fault.kind == FaultKind::Truncate) return Truncated(*picture);
+    if (fault.kind == FaultKind::BitFlip) return BitFlipped(*picture, n);
+    return picture;
 }
 
 // Random bytes mixed with beginnings of everything a receiver looks for, but no stamp line: ':'
@@ -79,18 +73,10 @@ std::string GarbageBytes(std::uint64_t n) {
 }
 
 const char* Reason(int status) {
-    switch (status) {
-        case 200:
-            return "OK";
-        case 401:
-            return "Unauthorized";
-        case 404:
-            return "Not Found";
-        case 405:
-            return "Method Not Allowed";
-        default:
-            return "Bad Request";
-    }
+    if (status == 200) return "OK";
+    if (status == 401) return "Unauthorized";
+    if (status == 404) return "Not Found";
+    return status == 405 ? "Method Not Allowed" : "Bad Request";
 }
 
 std::string StatusLine(int status) {

@@ -3,11 +3,13 @@
 #include "config/channel_info.h"
 #include "config/channel_options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <functional>
 #include <limits>
 #include <map>
 #include <numeric>
+#include <utility>
 
 namespace marvolen {
 namespace {
@@ -24,143 +26,137 @@ bool ParseInt(const std::string& text, int smallest, int largest, int& number) {
 // What an option does with its value; false when the value makes no sense.
 using Setter = std::function<bool(const std::string& value)>;
 
+Setter Int(int& target, int smallest, int largest) {
+    return [&target, smallest, largest](const std::string& value) {
+        return ParseInt(value, smallest, largest, target);
+    };
+}
+
+Setter Text(std::string& target) {
+    return [&target](const std::string& value) {
+        target = value;
+        return true;
+    };
+}
+
+Setter List(std::vector<std::string>& target) {
+    return [&target](const std::string& value) {
+        target.push_back(value);
+        return true;
+    };
+}
+
+Setter Names(std::vector<std::string>& target) {
+    return [&target](const std::string& value) {
+        target.clear();
+        for (std::size_t start = 0; start <= value.size();) {
+            const std::size_t end = std::min(value.find(',', start), value.size());
+            target.push_back(value.substr(start, end - start));
+            start = end + 1;
+        }
+        return target.size() <= kChannelCount;
+    };
+}
+
+int LastRow(const auto& options) {
+    return static_cast<int>(options.size()) - 1;
+}
+
 class Parser {
 public:
-    explicit Parser(CommandLine& result) : line(result) {
-        AddServerOptions();
-        AddPictureOptions();
-        AddSettingsOptions();
-        flags["--help"] = [this] { line.help = true; };
-        flags["-h"] = [this] { line.help = true; };
-        flags["--no-auth"] = [this] { line.server.checkCredentials = false; };
-        flags["--settings-only"] = [this] { line.serve = false; };
-    }
+    explicit Parser(CommandLine& result) : line(result) {}
 
     bool Parse(const std::vector<std::string>& arguments, std::string& error) {
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            const std::string& argument = arguments[i];
-            if (const auto flag = flags.find(argument); flag != flags.end()) {
-                flag->second();
+        for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+            if (const auto flag = flags.find(*argument); flag != flags.end()) {
+                *flag->second.first = flag->second.second;
                 continue;
             }
-            const std::size_t equals = argument.find('=');
-            const std::string name = argument.substr(0, equals);
+            const std::size_t equals = argument->find('=');
+            const std::string name = argument->substr(0, equals);
             const auto option = options.find(name);
             if (option == options.end()) {
-                error = "unknown option " + argument;
+                error = "unknown option " + *argument;
                 return false;
             }
-            if (equals == std::string::npos && i + 1 == arguments.size()) {
+            if (equals == std::string::npos && argument + 1 == arguments.end()) {
                 error = name + " needs a value";
                 return false;
             }
             const std::string value =
-                equals == std::string::npos ? arguments[++i] : argument.substr(equals + 1);
-            if (!option->second(value)) {
-                error = name + " can't be \"" + value + '"';
-                return false;
-            }
+                equals == std::string::npos ? *++argument : argument->substr(equals + 1);
+            if (!option->second(value)) return Refuse(name, value, error);
         }
         return Finish(error);
     }
 
 private:
-    void AddInt(const char* name, int& target, int smallest, int largest) {
-        options[name] = [&target, smallest, largest](const std::string& value) {
-            return ParseInt(value, smallest, largest, target);
-        };
-    }
-
-    void AddText(const char* name, std::string& target) {
-        options[name] = [&target](const std::string& value) {
-            target = value;
-            return true;
-        };
-    }
-
-    void AddServerOptions() {
-        AddText("--address", line.server.address);
-        AddInt("--channels", line.server.channelCount, 1, kChannelCount);
-        AddInt("--port", port, 1, 65535);
-        AddText("--user", line.server.userName);
-        AddText("--password", line.server.password);
-        AddText("--sent-dir", line.server.sentDir);
-        options["--fault"] = [this](const std::string& value) {
-            faults.push_back(value);
-            return true;
-        };
-        options["--single"] = [this](const std::string& value) {
-            singles.push_back(value);
-            return true;
-        };
-    }
-
-    void AddPictureOptions() {
-        AddText("--folder", line.folder);
-        AddInt("--loop", loopLength, 1, 3000);
-    }
-
-    void AddSettingsOptions() {
-        AddText("--write-settings", line.settingsFile);
-        AddText("--record-path", line.recordPath);
-        AddInt("--max-size", line.maxSizeMB, 0, std::numeric_limits<int>::max());
-        AddInt("--camera-row", line.cameraRow, 0, static_cast<int>(g_cameraOptions.size()) - 1);
-        AddInt("--size-row", line.sizeRow, 0, static_cast<int>(g_sizeOptions.size()) - 1);
-        AddInt("--rate-row", line.rateRow, 0, static_cast<int>(g_rateOptions.size()) - 1);
-        options["--names"] = [this](const std::string& value) {
-            SplitNames(value);
-            return line.names.size() <= kChannelCount;
-        };
-    }
-
-    void SplitNames(const std::string& value) {
-        line.names.clear();
-        for (std::size_t start = 0; start <= value.size();) {
-            const std::size_t end = std::min(value.find(',', start), value.size());
-            line.names.push_back(value.substr(start, end - start));
-            start = end + 1;
-        }
+    static bool Refuse(const std::string& name, const std::string& value, std::string& error) {
+        error = name + " can't be \"" + value + '"';
+        return false;
     }
 
     // What depends on several options, whatever their order.
     bool Finish(std::string& error) {
-        const int count = line.server.channelCount;
+        CameraServerOptions& server = line.server;
+        const int count = server.channelCount;
         if (port + count > 65536) {
             error = "the last channel's port lies beyond 65535";
             return false;
         }
-        line.server.basePort = static_cast<std::uint16_t>(port);
+        server.basePort = static_cast<std::uint16_t>(port);
         line.loopLength = static_cast<std::size_t>(loopLength);
-        line.server.faults.resize(static_cast<std::size_t>(count));
-        line.server.singlePictures.resize(static_cast<std::size_t>(count));
+        server.faults.resize(static_cast<std::size_t>(count));
+        server.singlePictures.resize(static_cast<std::size_t>(count));
         std::vector<int> channels;
         for (const std::string& text : faults) {
-            Fault fault;
-            if (!ParseChannelFault(text, count, channels, fault)) {
-                error = "--fault can't be \"" + text + '"';
-                return false;
+            const std::size_t equals = text.find('=');
+            const auto fault =
+                ParseFault(equals == std::string::npos ? "" : text.substr(equals + 1));
+            if (!fault || !ParseChannels(text.substr(0, equals), count, channels)) {
+                return Refuse("--fault", text, error);
             }
-            for (const int k : channels) line.server.faults[static_cast<std::size_t>(k)] = fault;
+            for (const int k : channels) server.faults[static_cast<std::size_t>(k)] = *fault;
         }
         for (const std::string& text : singles) {
-            if (!ParseChannels(text, count, channels)) {
-                error = "--single can't be \"" + text + '"';
-                return false;
-            }
-            for (const int k : channels) {
-                line.server.singlePictures[static_cast<std::size_t>(k)] = true;
-            }
+            if (!ParseChannels(text, count, channels)) return Refuse("--single", text, error);
+            for (const int k : channels) server.singlePictures[static_cast<std::size_t>(k)] = true;
         }
         return true;
     }
 
     CommandLine& line;
-    std::map<std::string, Setter> options;
-    std::map<std::string, std::function<void()>> flags;
     int port = 8101;
     int loopLength = 120;
     std::vector<std::string> faults;
     std::vector<std::string> singles;
+
+    // Flags set something to true or false, options take a value.
+    const std::map<std::string, std::pair<bool*, bool>> flags{
+        {"--help", {&line.help, true}},
+        {"-h", {&line.help, true}},
+        {"--no-auth", {&line.server.checkCredentials, false}},
+        {"--settings-only", {&line.serve, false}},
+    };
+    const std::map<std::string, Setter> options{
+        {"--address", Text(line.server.address)},
+        {"--channels", Int(line.server.channelCount, 1, kChannelCount)},
+        {"--port", Int(port, 1, 65535)},
+        {"--user", Text(line.server.userName)},
+        {"--password", Text(line.server.password)},
+        {"--sent-dir", Text(line.server.sentDir)},
+        {"--fault", List(faults)},
+        {"--single", List(singles)},
+        {"--folder", Text(line.folder)},
+        {"--loop", Int(loopLength, 1, 3000)},
+        {"--write-settings", Text(line.settingsFile)},
+        {"--record-path", Text(line.recordPath)},
+        {"--max-size", Int(line.maxSizeMB, 0, std::numeric_limits<int>::max())},
+        {"--camera-row", Int(line.cameraRow, 0, LastRow(g_cameraOptions))},
+        {"--size-row", Int(line.sizeRow, 0, LastRow(g_sizeOptions))},
+        {"--rate-row", Int(line.rateRow, 0, LastRow(g_rateOptions))},
+        {"--names", Names(line.names)},
+    };
 };
 
 constexpr const char* kHelp = R"(Usage: camera_server [OPTION]...
@@ -236,16 +232,6 @@ bool ParseChannels(const std::string& text, int channelCount, std::vector<int>& 
     int number = 0;
     if (!ParseInt(text, 1, channelCount, number)) return false;
     channels.push_back(number - 1);
-    return true;
-}
-
-bool ParseChannelFault(const std::string& text, int channelCount, std::vector<int>& channels,
-                       Fault& fault) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos) return false;
-    const auto parsed = ParseFault(text.substr(equals + 1));
-    if (!parsed || !ParseChannels(text.substr(0, equals), channelCount, channels)) return false;
-    fault = *parsed;
     return true;
 }
 

@@ -36,11 +36,6 @@ bool ParseCommandLine(const std::vector<std::string>& arguments, CommandLine& co
 // The text of --help.
 std::string HelpText();
 
-// Reads "3=close-after:20" or "all=refuse" into zero-based channel numbers and a fault. False when
-// the text says something else or a channel isn't below channelCount.
-bool ParseChannelFault(const std::string& text, int channelCount, std::vector<int>& channels,
-                       Fault& fault);
-
 // Reads "3" or "all" into zero-based channel numbers, each below channelCount.
 bool ParseChannels(const std::string& text, int channelCount, std::vector<int>& channels);
 

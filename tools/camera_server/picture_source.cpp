@@ -5,27 +5,13 @@
 namespace marvolen {
 
 PictureExtent ExtentOf(PictureSize size) {
-    switch (size) {
-        case PictureSize::Full:
-            return {704, 480};
-        case PictureSize::Sif:
-            return {352, 240};
-        case PictureSize::Qsif:
-            break;
-    }
-    return {176, 120};
+    const int divisor = 1 << static_cast<int>(size);
+    return {704 / divisor, 480 / divisor};
 }
 
 const char* SizeName(PictureSize size) {
-    switch (size) {
-        case PictureSize::Full:
-            return "full";
-        case PictureSize::Sif:
-            return "sif";
-        case PictureSize::Qsif:
-            break;
-    }
-    return "qsif";
+    constexpr const char* kNames[]{"full", "sif", "qsif"};
+    return kNames[static_cast<std::size_t>(size)];
 }
 
 std::uint64_t HashBytes(const std::uint8_t* bytes, std::size_t count) {

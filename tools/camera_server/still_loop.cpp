@@ -20,18 +20,8 @@ static void RegisterStills() {
 namespace marvolen {
 namespace {
 
-// What a camera of this kind spends on a picture, bytes.
-qsizetype TargetBytes(PictureSize size) {
-    switch (size) {
-        case PictureSize::Full:
-            return 50000;
-        case PictureSize::Sif:
-            return 19000;
-        case PictureSize::Qsif:
-            break;
-    }
-    return 7000;
-}
+// What a camera of this kind spends on a full, a sif and a qsif picture, bytes.
+constexpr qsizetype kTargetBytes[]{50000, 19000, 7000};
 
 QImage LoadStill(const View& view) {
     RegisterStills();
@@ -89,7 +79,8 @@ PicturePtr StillLoop::Paint(std::size_t position) {
     }
     AddGrain(picture, position);
     AddText(picture, position);
-    if (quality == 0) quality = QualityFor(picture, TargetBytes(view.size));
+    if (quality == 0)
+        quality = QualityFor(picture, kTargetBytes[static_cast<std::size_t>(view.size)]);
     const QByteArray jpeg = Encode(picture, quality);
     return MakePicture({jpeg.begin(), jpeg.end()});
 }
