@@ -1,7 +1,7 @@
 #pragma once
 
-// The other end of a connection, for tests: a listener on a loopback port and the peers it accepts.
-// They block, but never for longer than kPatience, and they are driven by the test itself.
+// The other end of a connection, for tests: accepted by a listener on a loopback port, or connected
+// to one. It blocks, but never for longer than kPatience, and is driven by the test itself.
 
 #include "platform/descriptor.h"
 
@@ -20,10 +20,34 @@ namespace marvolen::test {
 
 inline constexpr int kPatience = 20000;  // milliseconds until a test gives up waiting
 
+inline sockaddr_in LoopbackAddress(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    return address;
+}
+
 class LoopbackPeer {
 public:
     LoopbackPeer() = default;
-    explicit LoopbackPeer(Descriptor accepted) : connection(std::move(accepted)) {}
+    explicit LoopbackPeer(Descriptor connected) : connection(std::move(connected)) {}
+
+    // Connects; receiveBuffer, when given, is what the kernel keeps for a peer that doesn't read.
+    explicit LoopbackPeer(std::uint16_t port, int receiveBuffer = 0)
+        : connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        if (receiveBuffer > 0) {
+            setsockopt(connection.Get(), SOL_SOCKET, SO_RCVBUF, &receiveBuffer,
+                       sizeof receiveBuffer);
+        }
+        const sockaddr_in address = LoopbackAddress(port);
+        if (connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address),
+                    sizeof address) != 0) {
+            Close();
+        }
+    }
+
+    bool IsConnected() const { return connection.IsOpen(); }
 
     void Send(std::string_view bytes) {
         while (!bytes.empty()) {
@@ -36,27 +60,30 @@ public:
     // Sends a byte that the protocol marks as urgent (RFC 6093).
     void SendUrgent(char byte) { ASSERT_EQ(send(connection.Get(), &byte, 1, MSG_OOB), 1); }
 
-    // What arrives, up to and including its first occurrence of end.
-    std::string ReceiveUntil(std::string_view end) {
-        std::string received;
-        while (received.find(end) == std::string::npos) {
-            char buffer[4096];
-            const ssize_t size =
-                WaitReadable() ? recv(connection.Get(), buffer, sizeof buffer, 0) : 0;
-            if (size <= 0) break;
-            received.append(buffer, static_cast<std::size_t>(size));
+    // All that has arrived, once the text has occurred in it that many times, or the other end has
+    // closed the connection.
+    std::string ReceiveUntil(std::string_view text, int times = 1) {
+        std::size_t from = 0;
+        while (times > 0) {
+            const std::size_t found = received.find(text, from);
+            if (found != std::string::npos) {
+                from = found + text.size();
+                --times;
+            } else if (!Receive()) {
+                break;
+            }
         }
         return received;
     }
 
-    // Whether the other end closes the connection; what it sent before is dropped.
+    // Whether the other end closes the connection; Received() is all that it sent.
     bool IsEnded() {
-        char buffer[4096];
-        while (WaitReadable()) {
-            if (recv(connection.Get(), buffer, sizeof buffer, 0) <= 0) return true;
+        while (Receive()) {
         }
-        return false;
+        return ended;
     }
+
+    const std::string& Received() const { return received; }
 
     void Close() { connection.Close(); }
 
@@ -68,21 +95,29 @@ public:
     }
 
 private:
-    bool WaitReadable() {
+    bool Receive() {
+        char buffer[65536];
         pollfd state{connection.Get(), POLLIN, 0};
-        return poll(&state, 1, kPatience) == 1;
+        if (poll(&state, 1, kPatience) != 1) {
+            ADD_FAILURE() << "nothing comes";
+            return false;
+        }
+        const ssize_t size = recv(connection.Get(), buffer, sizeof buffer, 0);
+        ended = size <= 0;
+        if (!ended) received.append(buffer, static_cast<std::size_t>(size));
+        return !ended;
     }
 
     Descriptor connection;
+    std::string received;
+    bool ended = false;
 };
 
 class LoopbackListener {
 public:
     explicit LoopbackListener(int backlog = 64)
         : listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address = LoopbackAddress(0);
         auto* const plain = reinterpret_cast<sockaddr*>(&address);
         socklen_t size = sizeof address;
         const bool listens = bind(listener.Get(), plain, size) == 0 &&

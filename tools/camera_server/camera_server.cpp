@@ -80,8 +80,8 @@ bool CameraServer::Start() {
     bool ok = OptionsMakeSense();
     const TimePoint now = steady_clock::now();
     for (int k = 0; ok && k < options.channelCount; ++k) ok = OpenChannel(k, now);
-    wakeEvent = Descriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
-    if (!ok || !wakeEvent.IsOpen()) {
+    if (ok) wakeEvent = Descriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+    if (!wakeEvent.IsOpen()) {
         channels.clear();
         return false;
     }
