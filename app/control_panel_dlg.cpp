@@ -167,6 +167,8 @@ QGroupBox* CControlPanelDlg::MakeMessageGroup() {
                                   QStringLiteral("Save as... a file: the message log"),
                                   &CControlPanelDlg::saveLogRequested));
     auto* layout = MakeLayout<QVBoxLayout>(group);
+    layout->setContentsMargins(0, kSpacing, 0, 0);  // every pixel is the texts'
+    buttons->setContentsMargins(2 * kSpacing, 0, 2 * kSpacing, 2 * kSpacing);
     layout->addWidget(messageList, 1);
     layout->addLayout(buttons);
     return group;

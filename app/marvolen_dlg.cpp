@@ -55,7 +55,7 @@ void CMarvolenDlg::OnInitDialog() {
     controlPanel = new CControlPanelDlg(this);
     controlPanel->CreateChild();
     ConnectPanel();
-    ResizeToScreen();
+    PlaceOnScreen();
     FitPanel();
     LayoutPanel();
     messageLog.emplace(controlPanel->MessageList());
@@ -69,11 +69,15 @@ void CMarvolenDlg::OnInitDialog() {
 }
 
 // The template's size at least, and as much more as the panes want, where the screen has it.
-void CMarvolenDlg::ResizeToScreen() {
-    const QSize available = screen()->availableSize() - kFrameAllowance;
+// In its middle, frame included: left to itself a window manager may put the title bar above it.
+void CMarvolenDlg::PlaceOnScreen() {
+    const QRect screenArea = screen()->availableGeometry();
+    const QSize available = screenArea.size() - kFrameAllowance;
     const QSize wanted =
         kWantedPaneArea + QSize(controlPanel->PanelSize(available.height()).width(), 0);
     resize(MapDialogUnits(kTemplateUnits).expandedTo(wanted).boundedTo(available));
+    const QSize margin = (screenArea.size() - size() - kFrameAllowance) / 2;
+    move(screenArea.topLeft() + QPoint(margin.width(), margin.height()));
 }
 
 // Queued: a command is carried out once the click that gave it is over.

@@ -95,7 +95,7 @@ private:
     void SettleFocus(bool paneHadFocus);
     void PlacePane(VideoPane& pane, const PaneRect& rect);
     PaneRect PaneArea() const;
-    void ResizeToScreen();
+    void PlaceOnScreen();
     void FitPanel();
     void ShowAbout();
 

@@ -11,6 +11,8 @@ MessageLog::MessageLog(CSortListCtrl& itsList, Clock itsClock)
     list.SetColumns(kLogColumns);
     // Names are as long as their users make them; a short one fits.
     list.SetColumnSamples({"00", "NET.16", "0000/00/00 00:00:00", "Network connect."});
+    // Events differ in their last word.
+    list.SetElideMode(static_cast<int>(kLogColumnCount) - 1, Qt::ElideLeft);
 }
 
 void MessageLog::AddLogEntry(const ChannelInfo* info, std::string_view message) {

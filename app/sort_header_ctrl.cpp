@@ -35,12 +35,6 @@ void CSortHeaderCtrl::SetSortArrow(int column, bool ascending) {
     viewport()->update();
 }
 
-int CSortHeaderCtrl::WidthWithArrow(int column) const {
-    const int off = HeaderMargin(sizeHint().height());
-    const int text = fontMetrics().horizontalAdvance(GetItemText(column)) + 1;  // rounded up
-    return text + (kArrowMargins + 2) * off;
-}
-
 void CSortHeaderCtrl::DrawItem(const DrawItemInfo& draw) const {
     draw.painter.fillRect(draw.rect, palette().color(QPalette::Button));
     DrawLabel(draw, HeaderMargin(draw.rect.height()));

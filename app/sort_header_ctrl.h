@@ -16,9 +16,6 @@ public:
     // column's item itself. A column that doesn't exist takes the arrow away.
     void SetSortArrow(int column, bool ascending);
 
-    // The width at which the column's name is shown in full beside the arrow.
-    int WidthWithArrow(int column) const;
-
     int SortColumn() const { return sortColumn; }  // -1 before the first SetSortArrow
     bool SortAscending() const { return sortAscending; }
 

@@ -2,9 +2,9 @@
 
 #include "app/column_spec.h"
 #include "app/row_order.h"
+#include "platform/cell_delegate.h"
 
 #include <QEvent>
-#include <QStyle>
 
 #include <algorithm>
 #include <memory>
@@ -42,14 +42,11 @@ void CSortListCtrl::SetColumnSamples(std::vector<std::string> samples) {
 
 void CSortListCtrl::WidenColumns() {
     const int count = std::min(columnCount, static_cast<int>(columnSamples.size()));
-    QStyleOptionViewItem cell;
-    initViewItemOption(&cell);
-    cell.features |= QStyleOptionViewItem::HasDisplay;
     for (int column = 0; column < count; ++column) {
-        cell.text = QString::fromStdString(columnSamples[static_cast<std::size_t>(column)]);
-        const QSize cellSize = style()->sizeFromContents(QStyle::CT_ItemViewItem, &cell, {}, this);
-        const int needed = std::max({cellSize.width() + 1, sortHeader->sectionSizeHint(column),
-                                     sortHeader->WidthWithArrow(column)});
+        const auto sample = QString::fromStdString(columnSamples[static_cast<std::size_t>(column)]);
+        const int needed = std::max(
+            CellDelegate::WidthOf(fontMetrics(), sample),
+            CellDelegate::WidthOf(sortHeader->fontMetrics(), sortHeader->GetItemText(column)));
         if (needed > columnWidth(column)) setColumnWidth(column, needed);
     }
 }

@@ -39,8 +39,8 @@ public:
     // that the list refuses (wider than kWidestColumn); the ones before it stay.
     bool SetColumns(std::string_view specification);
 
-    // Widens the columns whose samples (a text for each column) or names, with the arrow, don't fit
-    // in the list's font, now and whenever the font changes. Never narrows a column.
+    // Widens the columns whose samples (a text for each column) or names don't fit in the list's
+    // font, now and whenever the font changes. Never narrows a column.
     void SetColumnSamples(std::vector<std::string> samples);
 
     // Appends a row with copies of exactly columnCount texts. A NUL ends a text. Returns the row's

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QContextMenuEvent>
+#include <QEventLoop>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMenu>
@@ -31,9 +32,20 @@ int ControlId(const QWidget& control) {
 CDialog::CDialog(QWidget* parent) : QDialog(parent) {}
 
 int CDialog::DoModal() {
-    const int ending = Initialise() ? exec() : result();
+    const int ending = Initialise() ? RunLoop() : result();
     OnModalEnd(ending);
     return ending;
+}
+
+// The toolkit makes a dialog that it runs modal to its program, and says so to the window manager.
+// Without a window to be modal over it is an ordinary window with a loop of its own.
+int CDialog::RunLoop() {
+    if (parentWidget()) return exec();
+    QEventLoop loop;
+    connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
+    show();
+    loop.exec();
+    return result();
 }
 
 void CDialog::CreateModeless() {

@@ -106,6 +106,7 @@ protected:
 
 private:
     bool Initialise();
+    int RunLoop();
     void ShowSystemMenu(const QPoint& globalPosition);
 
     struct SystemMenuItem {

@@ -1,5 +1,7 @@
 #include "platform/header_control.h"
 
+#include "platform/cell_delegate.h"
+
 #include <QPainter>
 #include <QStyleOptionHeaderV2>
 
@@ -52,11 +54,10 @@ void CHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logical
 // Styles inset names and cells by margins of their own; here a name begins and ends where its
 // column's texts do.
 void CHeaderCtrl::DrawStyledLabel(QPainter& painter, QStyleOptionHeaderV2 option) const {
-    const int cellMargin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
     const QRect section = option.rect;
     option.rect = style()->subElementRect(QStyle::SE_HeaderLabel, &option, this);
-    option.rect.setLeft(section.left() + cellMargin);
-    option.rect.setRight(section.right() - cellMargin);
+    option.rect.setLeft(section.left() + kCellPadding);
+    option.rect.setRight(section.right() - kCellPadding);
     if (option.rect.isValid())
         style()->drawControl(QStyle::CE_HeaderLabel, &option, &painter, this);
 }

@@ -1,5 +1,6 @@
 #include "platform/list_control.h"
 
+#include "platform/cell_delegate.h"
 #include "platform/clipboard.h"
 
 #include <QAbstractTableModel>
@@ -143,7 +144,10 @@ bool CListCtrl::Model::setHeaderData(int section, Qt::Orientation orientation,
 }
 
 CListCtrl::CListCtrl(QWidget* parent, CHeaderCtrl* header)
-    : QTreeView(parent), listModel(new Model(this)), headerCtrl(header ? header : new CHeaderCtrl) {
+    : QTreeView(parent),
+      listModel(new Model(this)),
+      headerCtrl(header ? header : new CHeaderCtrl),
+      cells(new CellDelegate(this)) {
     setHeader(headerCtrl);
     headerCtrl->setSectionsClickable(true);  // setHeader turns it off
     headerCtrl->setStretchLastSection(false);
@@ -157,6 +161,10 @@ CListCtrl::CListCtrl(QWidget* parent, CHeaderCtrl* header)
     setSelectionMode(SingleSelection);
     setSelectionBehavior(SelectRows);
     setHorizontalScrollMode(ScrollPerPixel);
+    setItemDelegate(cells);
+    // Texts at the edge are cut anew wherever the edge comes to lie.
+    connect(horizontalScrollBar(), &QScrollBar::valueChanged, viewport(),
+            [this] { viewport()->update(); });
     connect(headerCtrl, &QHeaderView::sectionClicked, this,
             [this](int column) { OnColumnClick(column); });
 }
@@ -202,11 +210,31 @@ int CListCtrl::GetSelectedItem() const {
 }
 
 void CListCtrl::CopySelectedItem() const {
-    const Item* item = GetItem(GetSelectedItem());
-    if (!item) return;
+    const int row = GetSelectedItem();
+    if (row >= 0) SetClipboardText(RowText(row));
+}
+
+void CListCtrl::SetElideMode(int column, Qt::TextElideMode mode) {
+    cells->SetElideMode(column, mode);
+}
+
+// A row's texts, parted by tabs.
+QString CListCtrl::RowText(int row) const {
     QStringList texts;
-    for (int column = 0; column < GetColumnCount(); ++column) texts.append(item->Text(column));
-    SetClipboardText(texts.join(QLatin1Char('\t')));
+    for (int column = 0; column < GetColumnCount(); ++column) {
+        texts.append(GetItem(row)->Text(column));
+    }
+    return texts.join(QLatin1Char('\t'));
+}
+
+// Whether not all of the row's texts are wholly seen.
+bool CListCtrl::IsCut(int row) const {
+    for (int column = 0; column < GetColumnCount(); ++column) {
+        const QModelIndex index = listModel->index(row, column);
+        const int seen = (visualRect(index) & viewport()->rect()).width();
+        if (sizeHintForIndex(index).width() > seen) return true;
+    }
+    return false;
 }
 
 void CListCtrl::OnColumnClick(int) {}
@@ -222,10 +250,12 @@ void CListCtrl::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// The toolkit shows the focus at a row, so a list without rows would not show it at all.
+// The toolkit shows the focus at a row; where that is out of sight, it wouldn't be seen at all.
 void CListCtrl::paintEvent(QPaintEvent* event) {
     QTreeView::paintEvent(event);
-    if (!hasFocus() || GetItemCount() > 0) return;
+    const QRect row = visualRect(currentIndex());
+    const bool rowSeen = row.isValid() && row.top() >= 0 && row.bottom() < viewport()->height();
+    if (!hasFocus() || rowSeen) return;
     QPainter painter(viewport());
     QStyleOptionFocusRect option;
     option.initFrom(this);
@@ -239,13 +269,12 @@ bool CListCtrl::viewportEvent(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
     const auto& help = static_cast<const QHelpEvent&>(*event);
     const QModelIndex index = indexAt(help.pos());
-    const QRect cell = visualRect(index);
-    const QRect visible = cell & viewport()->rect();
-    if (index.isValid() && sizeHintForIndex(index).width() > visible.width()) {
-        const QString text = index.data().toString().toHtmlEscaped();
+    if (index.isValid() && IsCut(index.row())) {
+        const QString text =
+            RowText(index.row()).replace(QLatin1Char('\t'), QStringLiteral("  ")).toHtmlEscaped();
         QToolTip::showText(help.globalPos(),
                            QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text),
-                           viewport(), cell);
+                           viewport(), visualRect(index));
     } else {
         QToolTip::hideText();
     }

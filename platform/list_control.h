@@ -18,6 +18,8 @@
 
 namespace marvolen {
 
+class CellDelegate;
+
 class CListCtrl : public QTreeView, public CWnd {
     Q_OBJECT
 
@@ -61,6 +63,9 @@ public:
 
     CHeaderCtrl* GetHeaderCtrl() const { return headerCtrl; }
 
+    // Where texts of this column are cut that have no room: at their end unless set.
+    void SetElideMode(int column, Qt::TextElideMode mode);
+
     // Copies the selected row's texts, parted by tabs, to the clipboard.
     void CopySelectedItem() const;
 
@@ -71,15 +76,19 @@ protected:
     // The copy keys copy the selected row; Ctrl+1 to Ctrl+9 click the header item of that column,
     // counted from 1.
     void keyPressEvent(QKeyEvent* event) override;
-    bool viewportEvent(QEvent* event) override;    // shows texts that are cut as tool tips
-    void paintEvent(QPaintEvent* event) override;  // shows the focus of an empty list
+    bool viewportEvent(QEvent* event) override;    // a row with a cut text is shown as a tool tip
+    void paintEvent(QPaintEvent* event) override;  // shows the focus that no row in sight shows
     void updateGeometries() override;              // keeps the last row in sight
 
 private:
     class Model;
 
+    QString RowText(int row) const;
+    bool IsCut(int row) const;
+
     Model* const listModel;         // child of this
     CHeaderCtrl* const headerCtrl;  // child of this
+    CellDelegate* const cells;      // child of this
 };
 
 }  // namespace marvolen

@@ -91,7 +91,10 @@ TEST_F(MarvolenApp, EveryEndWritesTheSettings) {
         SCOPED_TRACE(name);
         ASSERT_TRUE(WriteSettingsFile(kSettingsFileName, stored));
         const std::string before = test::ReadWholeFile(kSettingsFileName);
-        WithTheWindow(end);
+        WithTheWindow([&end = end](QWidget* window) {
+            EXPECT_FALSE(window->isModal()) << "an ordinary window to the window manager";
+            end(window);
+        });
         CMarvolenApp app;
         EXPECT_EQ(app.Run(), 0);
         EXPECT_EQ(test::ReadWholeFile(kSettingsFileName), before);
