@@ -1,0 +1,94 @@
+// Shows that pictures on their way from the socket over the pane into the record file cost no
+// allocation on the interface thread, and that they stay in the slot they were received into.
+// Replaces the global allocation functions, so it is a program of its own.
+
+#include "display/video_pane.h"
+#include "net/frame_pool.h"
+#include "net/net_event_owner.h"
+#include "record/channel_recorder.h"
+#include "tests/app/cameras.h"
+#include "tests/support/event_loop.h"
+#include "tools/camera_server/pattern_pictures.h"
+
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+namespace {
+thread_local std::size_t t_allocations = 0;
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++t_allocations;
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace marvolen {
+namespace {
+
+constexpr int kWarmUp = 20;  // pictures after which everything has been made
+constexpr int kPictures = 200;
+
+// Stands before the pane and counts what has been allocated since the pictures before.
+class Meter final : public FrameReceiver {
+public:
+    std::size_t allocated = 0;
+    int pictures = 0;
+
+    void Deliver(FramePtr frame) override {
+        if (++pictures == kWarmUp) atWarmUp = t_allocations;
+        if (pictures <= kPictures) allocated = t_allocations - atWarmUp;
+        Forward(std::move(frame));
+    }
+
+private:
+    std::size_t atWarmUp = 0;
+};
+
+class NoOwner final : public NetEventOwner {
+    void PostNetEvent(int, ChannelInfo*) override {}
+};
+
+TEST(StreamingAllocation, FromTheSocketToTheRecordFileThereIsNone) {
+    const test::TemporaryFolder folder;
+    CameraServer server({.channelCount = 1, .period = std::chrono::milliseconds(2)},
+                        std::make_shared<PatternPictures>());
+    ASSERT_TRUE(server.Start());
+    ChannelInfo info = FactoryChannelTable()[0];
+    SetFieldText(info.host, "127.0.0.1");
+    SetFieldText(info.port, std::to_string(server.Port(0)));
+
+    QWidget window;
+    VideoPane pane(&window);
+    ASSERT_TRUE(pane.Open("Gate", 0));
+    FramePool pool;
+    ASSERT_TRUE(pool.Init(8192, 1));
+    FramePtr larger =
+        pool.Acquire();  // than any that the camera sends: the pane's buffer has its size
+    larger->SetLength(8192);
+    pane.Deliver(std::move(larger));
+    NoOwner owner;
+    Meter meter;
+    ChannelRecorder recorder;
+    ASSERT_TRUE(recorder.Open(&info, &meter, &owner));
+    pane.SetNext(meter.TakeNext());
+    meter.SetNext(&pane);
+    ASSERT_TRUE(recorder.Connect());
+    recorder.SetRecording(true);
+    EXPECT_TRUE(test::WaitUntil([&] { return recorder.TakeFrameCount() > 0; }));
+    EXPECT_TRUE(test::WaitUntil([&] { return meter.pictures > kPictures; }));
+    EXPECT_EQ(meter.allocated, 0U);
+    recorder.Close(CloseFlag::Ordered);
+    pane.TakeNext();
+    EXPECT_GT(std::filesystem::file_size("drive_c/chl01.dbt"), kPictures * 100U);
+}
+
+}  // namespace
+}  // namespace marvolen
