@@ -66,6 +66,8 @@ public:
 
 protected:
     bool eventFilter(QObject* receiver, QEvent* event) override {
+        // Input and paints come to widgets; other events are none of its business.
+        if (!receiver->isWidgetType()) return false;
         const QEvent::Type type = event->type();
         if (IsInput(type)) latestInput = Clock::now();
         if (type == QEvent::Paint || type == QEvent::Hide) {
