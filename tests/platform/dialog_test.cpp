@@ -9,154 +9,113 @@
 #include <QTimer>
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace marvolen {
 namespace {
 
-// Writes down how it ends.
-class ProbeDialog : public CDialog {
-public:
+// Writes down what happens to it.
+struct ProbeDialog : CDialog {
     using CDialog::CDialog;
-    std::string ends;  // O: OnOK, C: OnCancel, m: the end of a modal run
-    int modalResult = 0;
+    std::string events;       // s: shown, O: OnOK, C: OnCancel, then the result of a modal run
+    int endsAtOnceWith = -1;  // in OnInitDialog
 
-protected:
+    void OnInitDialog() override {
+        if (endsAtOnceWith >= 0) EndDialog(endsAtOnceWith);
+    }
+    void showEvent(QShowEvent*) override { events += 's'; }
     void OnOK() override {
-        ends += 'O';
+        events += 'O';
         CDialog::OnOK();
     }
     void OnCancel() override {
-        ends += 'C';
+        events += 'C';
         CDialog::OnCancel();
     }
-    void OnModalEnd(int result) override {
-        ends += 'm';
-        modalResult = result;
-    }
+    void OnModalEnd(int result) override { events += std::to_string(result); }
 };
-
-TEST(Dialog, ControlsOfDialogsAndWindowsInsideAreNotItsOwn) {
-    CDialog dialog;
-    CDialog panel(&dialog);
-    panel.setWindowFlags(Qt::Widget);
-    QWidget group(&dialog);
-    QLabel ofPanel(&panel);
-    CStatic ofGroup(&group);
-    CDialog popUp(&dialog);
-    QLabel ofPopUp(&popUp);
-    panel.AddControl(&ofPanel, 2000, QString());
-    dialog.AddControl(&ofGroup, 2001, QStringLiteral("NET.1"));
-    popUp.AddControl(&ofPopUp, 2002, QString());
-    dialog.AddControl(&panel, 2003, QString());
-
-    EXPECT_EQ(dialog.GetDlgItem(2000), nullptr);
-    EXPECT_EQ(panel.GetDlgItem(2000), &ofPanel);
-    EXPECT_EQ(dialog.GetDlgItem<CStatic>(2001), &ofGroup);
-    EXPECT_EQ(dialog.GetDlgItem<QLabel>(2001), nullptr);
-    EXPECT_EQ(ofGroup.GetDlgCtrlID(), 2001);
-    EXPECT_EQ(ofGroup.accessibleName(), QStringLiteral("NET.1"));
-    EXPECT_EQ(ofGroup.GetParentWnd(), static_cast<const CWnd*>(&dialog));
-    EXPECT_EQ(dialog.GetDlgItem(2002), nullptr);
-    EXPECT_EQ(popUp.GetDlgItem(2002), &ofPopUp);
-    EXPECT_EQ(dialog.GetDlgItem(2003), &panel);
-}
 
 TEST(Dialog, EveryEndRunsItsHandlerAndThenTheHook) {
     struct {
         void (*end)(CDialog&);
-        const char* ends;
+        const char* events;
         int result;
     } const cases[] = {
-        {[](CDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, "Cm", IDCANCEL},
-        {[](CDialog& dialog) { dialog.close(); }, "Cm", IDCANCEL},
-        {[](CDialog& dialog) { dialog.accept(); }, "Om", IDOK},
-        {[](CDialog& dialog) { dialog.EndDialog(7); }, "m", 7},
+        {[](CDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, "sC2", IDCANCEL},
+        {[](CDialog& dialog) { dialog.close(); }, "sC2", IDCANCEL},
+        {[](CDialog& dialog) { dialog.accept(); }, "sO1", IDOK},
+        {[](CDialog& dialog) { dialog.EndDialog(7); }, "s7", 7},
     };
     for (const auto& each : cases) {
         ProbeDialog dialog;
         QTimer::singleShot(0, &dialog, [&] { each.end(dialog); });
         EXPECT_EQ(dialog.DoModal(), each.result);
-        EXPECT_EQ(dialog.ends, each.ends);
-        EXPECT_EQ(dialog.modalResult, each.result);
+        EXPECT_EQ(dialog.events, each.events);
     }
+    ProbeDialog unseen;
+    unseen.endsAtOnceWith = 77;
+    QTimer::singleShot(0, &unseen, [&] { unseen.EndDialog(8); });  // should it run all the same
+    EXPECT_EQ(unseen.DoModal(), 77);
+    EXPECT_EQ(unseen.events, "77");
 }
 
-TEST(Dialog, EndingFromOnInitDialogShowsNothing) {
-    class Refusing : public ProbeDialog {
-    public:
-        bool shown = false;
-
-    protected:
-        void OnInitDialog() override { EndDialog(77); }
-        void showEvent(QShowEvent*) override { shown = true; }
-    };
-    Refusing modal;
-    QTimer::singleShot(0, &modal, [&] { modal.EndDialog(-1); });  // should it run all the same
-    EXPECT_EQ(modal.DoModal(), 77);
-    EXPECT_EQ(modal.modalResult, 77);
-    EXPECT_FALSE(modal.shown);
-
-    Refusing modeless;
-    modeless.CreateModeless();
-    EXPECT_FALSE(modeless.shown);
-}
-
-TEST(Dialog, EscapeInAChildIsForTheDialogAround) {
+TEST(Dialog, ChildrenLeaveEscapeToItAndKeepTheirControls) {
     ProbeDialog outer;
+    QWidget group(&outer);
+    QLabel ofOuter(&group);
     outer.CreateModeless();
-    ProbeDialog child(&outer);
+    ProbeDialog child(&outer), popUp(&outer);
     child.CreateChild();
-    QPushButton button(&child);
-    EXPECT_FALSE(child.isWindow());
-    QTest::keyClick(&button, Qt::Key_Escape);
-    EXPECT_EQ(child.ends, "");
+    QPushButton ofChild(&child);
+    QLabel ofPopUp(&popUp);
+    child.AddControl(&ofChild, 1000, QStringLiteral("Start"));
+    outer.AddControl(&ofOuter, 1001, QString());
+    popUp.AddControl(&ofPopUp, 1002, QString());
+    EXPECT_EQ(outer.GetDlgItem(1000), nullptr);
+    EXPECT_EQ(outer.GetDlgItem(1002), nullptr);
+    EXPECT_EQ(outer.GetDlgItem<QLabel>(1001), &ofOuter);
+    EXPECT_EQ(outer.GetDlgItem<QPushButton>(1001), nullptr);
+    EXPECT_EQ(child.GetDlgItem(1000), &ofChild);
+    EXPECT_EQ(ofChild.accessibleName(), QStringLiteral("Start"));
+
+    QTest::keyClick(&ofChild, Qt::Key_Escape);
+    EXPECT_EQ(child.events, "s");
     EXPECT_TRUE(child.isVisibleTo(&outer));
-    EXPECT_EQ(outer.ends, "C");
+    EXPECT_EQ(outer.events, "sC");
     EXPECT_FALSE(outer.isVisible());
 }
 
-TEST(Static, SaysWhenItIsClickedByMouseOrAssistiveTool) {
-    CDialog dialog;
-    CStatic control(&dialog);
-    control.resize(50, 50);
-    dialog.CreateModeless();
-    QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&control);
-    ASSERT_NE(seen, nullptr);
-    const QString press = QAccessibleActionInterface::pressAction();
-    EXPECT_FALSE(seen->actionInterface()->actionNames().contains(press)) << "nobody listens";
-
-    std::string heard;
-    QObject::connect(&control, &CStatic::clicked, &dialog, [&] { heard += 'c'; });
-    QObject::connect(&control, &CStatic::doubleClicked, &dialog, [&] { heard += 'd'; });
-    QTest::mouseClick(&control, Qt::RightButton);
-    EXPECT_EQ(heard, "");
-    QTest::mouseClick(&control, Qt::LeftButton);
-    EXPECT_EQ(heard, "c");
-    QTest::mouseDClick(&control, Qt::LeftButton);
-    EXPECT_EQ(heard.back(), 'd');
-    heard.clear();
-    ASSERT_TRUE(seen->actionInterface()->actionNames().contains(press));
-    seen->actionInterface()->doAction(press);
-    EXPECT_EQ(heard, "c");
-    control.setEnabled(false);
-    seen->actionInterface()->doAction(press);
-    EXPECT_EQ(heard, "c");
-}
-
-TEST(Static, DescribesItselfToAssistiveTools) {
-    class Pane : public CStatic {
+TEST(Static, IsClickedByMouseOrAssistiveTool) {
+    struct Pane : CStatic {
         QAccessible::Role AccessibleRole() const override { return QAccessible::ListItem; }
         void AddAccessibleState(QAccessible::State& state) const override { state.selected = true; }
-    };
-    Pane pane;
+    } pane;
     pane.setAccessibleName(QStringLiteral("NET.1 Gate"));
-    const QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&pane);
+    QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&pane);
+    ASSERT_NE(seen, nullptr);
     EXPECT_EQ(seen->role(), QAccessible::ListItem);
     EXPECT_TRUE(seen->state().selected);
     EXPECT_EQ(seen->text(QAccessible::Name), QStringLiteral("NET.1 Gate"));
+    QAccessibleActionInterface& actions = *seen->actionInterface();
+    const QString press = QAccessibleActionInterface::pressAction();
+    EXPECT_FALSE(actions.actionNames().contains(press)) << "nobody listens";
+
+    std::string heard;
+    QObject::connect(&pane, &CStatic::clicked, &pane, [&] { heard += 'c'; });
+    QObject::connect(&pane, &CStatic::doubleClicked, &pane, [&] { heard += 'd'; });
+    QTest::mouseClick(&pane, Qt::RightButton);
+    EXPECT_EQ(heard, "");
+    QTest::mouseClick(&pane, Qt::LeftButton);
+    EXPECT_EQ(heard, "c");
+    EXPECT_TRUE(actions.actionNames().contains(press));
+    actions.doAction(press);
+    EXPECT_EQ(heard, "cc");
+    QTest::mouseDClick(&pane, Qt::LeftButton);
+    EXPECT_EQ(heard.back(), 'd');
+    heard.clear();
+    pane.setEnabled(false);
+    actions.doAction(press);
+    EXPECT_EQ(heard, "");
 }
 
 }  // namespace

@@ -47,6 +47,12 @@ window=$(timeout 60 xdotool search --sync --onlyvisible --pid "$program" --name 
 xdotool mousemove --window "$window" 100 100 click 1 key Tab key space
 until_true "a recording" file_has drive_c/chl01.dbt 1000000
 
+# The drawing threads run at the idle policy, the interface thread before everything ordinary.
+[[ $(awk '$41 == 5' /proc/$program/task/*/stat | wc -l) -eq 16 ]] || fail "Not 16 idle threads"
+if (renice -n -20 $BASHPID >/dev/null 2>&1); then
+  [[ $(awk '{print $19}' "/proc/$program/stat") -eq -20 ]] || fail "The interface thread is ordinary"
+fi
+
 kill -KILL "$xvfb"
 wait "$xvfb" 2>/dev/null || true
 until_true "the end" has_ended "$program"
