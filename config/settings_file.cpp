@@ -4,6 +4,17 @@
 #include <fstream>
 
 namespace marvolen {
+namespace {
+
+// The file holds passwords: for its owner's eyes only. Where that can't be had, it is as it was.
+void HideFromOthers(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) return;
+    using std::filesystem::perms;
+    std::filesystem::permissions(path, perms::owner_read | perms::owner_write, ignored);
+}
+
+}  // namespace
 
 bool ReadSettingsFile(const std::string& path, ChannelTable& table) {
     std::error_code error;
@@ -20,6 +31,7 @@ bool WriteSettingsFile(const std::string& path, const ChannelTable& table) {
     // blocks are still there to be written to, where truncating first would give them away.
     std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
     if (!file.is_open()) file.open(path, std::ios::binary | std::ios::out | std::ios::trunc);
+    HideFromOthers(path);  // before there is anything in it to read
     file.write(reinterpret_cast<const char*>(table.data()), sizeof table);
     file.close();
     if (!file) return false;

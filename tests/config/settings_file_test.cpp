@@ -51,6 +51,7 @@ TEST_F(SettingsFile, SavedOverALongerFileHasTheTableOnly) {
     SetFieldText(g_channelInfo[3].netName, "Gate");
     SaveSettings();
     ASSERT_EQ(fs::file_size(kSettingsFileName), 25280U);
+    EXPECT_EQ(fs::status(kSettingsFileName).permissions(), fs::perms{0600}) << "it has passwords";
     g_channelInfo = FactoryChannelTable();
     LoadSettings();
     EXPECT_EQ(FieldText(g_channelInfo[3].netName), "Gate");
