@@ -4,6 +4,9 @@
 #include "net/frame_receiver.h"
 #include "platform/text_field.h"
 
+#include <cstdio>
+#include <utility>
+
 namespace marvolen {
 namespace {
 
@@ -14,15 +17,24 @@ ChannelInfo& InfoOf(int k) {
 }  // namespace
 
 LiveChannels::LiveChannels(LiveChannelsView& itsView, ChannelTimers& itsTimers,
-                           NetEventOwner& itsOwner)
-    : view(itsView), timers(itsTimers), owner(itsOwner) {}
+                           NetEventOwner& itsOwner, Clock itsClock)
+    : view(itsView), timers(itsTimers), owner(itsOwner), clock(std::move(itsClock)) {
+    for (int k = 0; k < kChannelCount; ++k) {
+        Recorder(k).SetTroubleHandler([this, k](RecordTrouble now) { NoteTrouble(k, now); });
+    }
+}
 
 bool LiveChannels::OpenChannel(int k) {
     ChannelInfo& info = InfoOf(k);
     if (!view.ReopenPane(k, info)) return false;
-    if (FieldText(info.host).empty()) return true;
     ChannelRecorder& recorder = Recorder(k);
-    if (!recorder.Open(&info, &view.PaneReceiver(k), &owner)) return false;
+    if (FieldText(info.host).empty()) {
+        NoteTrouble(k, RecordTrouble::None);  // of a host it had
+        return true;
+    }
+    const bool opened = recorder.Open(&info, &view.PaneReceiver(k), &owner);
+    NoteTrouble(k, recorder.Trouble());  // the same as before is not reported
+    if (!opened) return false;
     recorder.Connect();  // a failure is the watchdog's
     if (IsRecording(k)) recorder.SetRecording(true);
     return true;
@@ -87,6 +99,21 @@ void LiveChannels::OnWatchdog() {
         OpenChannel(k);
         timers.KillChannelTimer(static_cast<std::uint32_t>(k));
     }
+}
+
+// A spell of trouble lasts until the channel could record again; its reason may change meanwhile.
+void LiveChannels::NoteTrouble(int k, RecordTrouble trouble) {
+    Channel& channel = channels[Index(k)];
+    const RecordTrouble before = std::exchange(channel.trouble, trouble);
+    if (trouble == before) return;
+    if (trouble == RecordTrouble::None) return view.ShowTrouble(k, {});
+    const std::string reason = TroubleText(trouble);
+    if (before == RecordTrouble::None) {
+        channel.troubleSince = clock();
+        const std::string path(FieldText(InfoOf(k).recordPath));
+        std::fprintf(stderr, "NET.%d: %s: %s\n", k + 1, reason.c_str(), path.c_str());
+    }
+    view.ShowTrouble(k, reason + ", since " + FormatTime(channel.troubleSince));
 }
 
 }  // namespace marvolen

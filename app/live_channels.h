@@ -7,12 +7,18 @@
 //
 // A channel k (0 to 15) is closed; or open and connecting; or connected; or closed with its timer k
 // running, which opens it anew. Whether it records is kept here and outlives every reopening.
+//
+// A channel that can't record is in trouble until its file can be opened or written again. The view
+// is told what and since when, and standard error gets a line when such a spell begins.
 
 #include "config/channel_info.h"
+#include "platform/system_time.h"
 #include "record/channel_recorder.h"
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <string_view>
 
 namespace marvolen {
@@ -39,6 +45,10 @@ public:
     virtual void ShowConnected(int k, bool connected) = 0;
     virtual void ShowRecording(int k, bool recording) = 0;
 
+    // Pane k shows what keeps its channel from recording and since when, in plain words; empty for
+    // nothing. Must not open or close a channel.
+    virtual void ShowTrouble(int k, const std::string& text) = 0;
+
     // Adds a line about a channel to the message log.
     virtual void AddLogEntry(const ChannelInfo& info, std::string_view message) = 0;
 
@@ -61,9 +71,13 @@ protected:
 
 class LiveChannels {
 public:
+    // Tells the local time.
+    using Clock = std::function<SYSTEMTIME()>;
+
     // All closed, none wanted to record. Channels are those of g_channelInfo. The three are
     // borrowed for the object's life; owner posts the events it is told on to OnNetEvent.
-    LiveChannels(LiveChannelsView& itsView, ChannelTimers& itsTimers, NetEventOwner& itsOwner);
+    LiveChannels(LiveChannelsView& itsView, ChannelTimers& itsTimers, NetEventOwner& itsOwner,
+                 Clock itsClock = LocalTimeNow);
 
     // Opens pane k and, when the channel has a host, its recorder, and connects. A channel that was
     // recording goes on recording. False when the pane or the recorder can't be opened.
@@ -96,14 +110,18 @@ private:
     struct Channel {
         ChannelRecorder recorder;
         bool recording = false;  // wanted; the recorder hears of it whenever it is opened
+        RecordTrouble trouble = RecordTrouble::None;  // as it is shown
+        SYSTEMTIME troubleSince{};                    // when the present spell of trouble began
     };
 
     static std::size_t Index(int k) { return static_cast<std::size_t>(k); }
     void OnWatchdog();
+    void NoteTrouble(int k, RecordTrouble trouble);
 
     LiveChannelsView& view;
     ChannelTimers& timers;
     NetEventOwner& owner;
+    const Clock clock;
     std::array<Channel, kChannelCount> channels;
 };
 

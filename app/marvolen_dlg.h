@@ -73,6 +73,7 @@ private:
     FrameReceiver& PaneReceiver(int k) override { return Pane(k); }
     void ShowConnected(int k, bool connected) override;
     void ShowRecording(int k, bool recording) override;
+    void ShowTrouble(int k, const std::string& text) override;
     void AddLogEntry(const ChannelInfo& info, std::string_view message) override;
     void SetChannelTimer(std::uint32_t id, std::uint32_t milliseconds) override;
     void KillChannelTimer(std::uint32_t id) override;

@@ -21,6 +21,11 @@ void CMarvolenDlg::ShowRecording(int k, bool recording) {
     Pane(k).SetStatus(recording ? PANE_RECORDING : 0, recording ? 0 : PANE_RECORDING);
 }
 
+void CMarvolenDlg::ShowTrouble(int k, const std::string& text) {
+    Pane(k).setToolTip(QString::fromStdString(text));
+    Pane(k).setAccessibleDescription(QString::fromStdString(text));
+}
+
 void CMarvolenDlg::AddLogEntry(const ChannelInfo& info, std::string_view message) {
     messageLog->AddLogEntry(&info, message);
 }

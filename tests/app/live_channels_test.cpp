@@ -30,6 +30,7 @@ public:
     int frames = 0;
     bool connected = false;
     bool recording = false;
+    std::string trouble;
 
     void Deliver(FramePtr frame) override {
         ++frames;
@@ -49,6 +50,7 @@ protected:
     FrameReceiver& PaneReceiver(int k) override { return PaneOf(k); }
     void ShowConnected(int k, bool connected) override { PaneOf(k).connected = connected; }
     void ShowRecording(int k, bool recording) override { PaneOf(k).recording = recording; }
+    void ShowTrouble(int k, const std::string& text) override { PaneOf(k).trouble = text; }
     void AddLogEntry(const ChannelInfo& info, std::string_view message) override {
         log.push_back(std::to_string(ChannelNumber(&info)) + " " + std::string(message));
     }
@@ -81,7 +83,8 @@ protected:
     std::vector<std::string> log;
     std::vector<std::pair<int, ChannelInfo*>> posted;
     int paneThatFails = -1;
-    LiveChannels channels{*this, *this, *this};
+    SYSTEMTIME now{2004, 2, 0, 29, 8, 15, 0, 0};
+    LiveChannels channels{*this, *this, *this, [this] { return now; }};
 };
 
 TEST_F(LiveChannelsTest, ReopensFiveSecondsAfterACloseOrError) {
@@ -165,6 +168,40 @@ TEST_F(LiveChannelsTest, WhatIsWantedToRecordOutlivesEveryReopening) {
     RecordFile file;
     EXPECT_TRUE(file.OpenForRead("drive_c/chl01.dbt"));
     EXPECT_EQ(std::filesystem::file_size("drive_c/chl02.dbt"), 19264U) << "was never recorded";
+}
+
+// A spell lasts from the first failure until the file can be had, however often it is tried.
+TEST_F(LiveChannelsTest, AChannelThatCannotRecordSaysWhatAndSinceWhen) {
+    SetFieldText(Info(2).recordPath, "here.dbt");
+    RecordFile elsewhere;
+    const auto open = [&](bool expected) {
+        EXPECT_EQ(channels.OpenChannel(2), expected);
+        channels.CloseChannel(2, CloseFlag::Ordered);
+        now.hour++;
+    };
+    ::testing::internal::CaptureStderr();
+    for (const char* since : {"since 2004/02/29 08:15:00", "since 2004/02/29 12:15:00"}) {
+        ASSERT_TRUE(elsewhere.OpenOrCreateNew("here.dbt", 1 << 20));
+        open(false);
+        EXPECT_EQ(panes[2].trouble, std::string(TroubleText(RecordTrouble::InUse)) + ", " + since);
+        elsewhere.CloseWriter();
+        Info(2).maxSizeMB = 0;
+        open(false);
+        EXPECT_EQ(panes[2].trouble,
+                  std::string(TroubleText(RecordTrouble::BadMaximum)) + ", " + since);
+        Info(2).maxSizeMB = 1;
+        open(true);
+        EXPECT_EQ(panes[2].trouble, "");
+        now.hour++;
+    }
+    const std::string line = std::string("NET.3: ") + TroubleText(RecordTrouble::InUse);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              line + ": here.dbt\n" + line + ": here.dbt\n");
+    Info(2).maxSizeMB = 0;
+    open(false);
+    SetFieldText(Info(2).host, "");
+    open(true);
+    EXPECT_EQ(panes[2].trouble, "") << "isn't to record any more";
 }
 
 TEST_F(LiveChannelsTest, AnEventOfAChannelClosedSinceIsIgnored) {
