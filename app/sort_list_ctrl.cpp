@@ -1,6 +1,6 @@
 #include "app/sort_list_ctrl.h"
 
-#include "app/column_spec.h"
+#include "app/column_text.h"
 #include "app/row_order.h"
 #include "platform/cell_delegate.h"
 
@@ -26,8 +26,8 @@ CSortListCtrl::CSortListCtrl(QWidget* parent)
     : CListCtrl(parent, new CSortHeaderCtrl),
       sortHeader(static_cast<CSortHeaderCtrl*>(GetHeaderCtrl())) {}
 
-bool CSortListCtrl::SetColumns(std::string_view specification) {
-    for (const ColumnSpec& column : ParseColumnSpec(specification)) {
+bool CSortListCtrl::SetColumns(std::string_view columns) {
+    for (const ColumnText& column : ParseColumns(columns)) {
         const QString name = QString::fromStdString(column.name);
         if (InsertColumn(columnCount, name, HDF_LEFT, column.width) < 0) return false;
         ++columnCount;

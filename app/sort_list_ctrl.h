@@ -35,9 +35,9 @@ public:
 
     explicit CSortListCtrl(QWidget* parent = nullptr);
 
-    // Appends columns, described as column_spec.h says: "ID,20;CH,54". False at the first column
+    // Appends columns, described as column_text.h says: "ID,20;CH,54". False at the first column
     // that the list refuses (wider than kWidestColumn); the ones before it stay.
-    bool SetColumns(std::string_view specification);
+    bool SetColumns(std::string_view columns);
 
     // Widens the columns whose samples (a text for each column) or names don't fit in the list's
     // font, now and whenever the font changes. Never narrows a column.
