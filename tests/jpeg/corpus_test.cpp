@@ -1,0 +1,130 @@
+// Every file of the corpus on both paths, whole, in pieces, and into a bitmap.
+//
+// To add one: put NAME.jpg into corpus/ and run jpeg_test. It fails and prints the line for
+// corpus/index.txt; make sure by other means that the result is right, and say in the line why the
+// file is there.
+
+#include "tests/jpeg/corpus.h"
+
+#include "jpeg/dib_image.h"
+#include "jpeg/jpeg_decoder.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+
+namespace marvolen::test {
+namespace {
+
+// What came of decoding a file.
+struct Outcome {
+    std::string stage;  // in which it failed, or ok
+    int error = 0;
+    std::size_t width = 0, height = 0;  // 0: no picture
+    Bytes bgr;                          // top row first, black where no row came
+
+    // As index.txt has it.
+    std::string ToString() const {
+        std::ostringstream text;
+        text << stage;
+        if (error != 0) text << ':' << error;
+        char digest[9];
+        std::snprintf(digest, sizeof digest, "%08x", Digest(bgr));
+        if (width != 0) text << ':' << width << 'x' << height << ':' << digest;
+        return text.str();
+    }
+};
+
+Outcome Decode(const Bytes& jpeg, JpegPath path, int portion) {
+    Outcome outcome;
+    PortionSource source(jpeg, portion);
+    {
+        JpegDecoder decoder(&source, path);
+        outcome.stage = decoder.GetError() != 0 ? "construct" : "start";
+        const bool started = decoder.StartDecompress() == 0;
+        EXPECT_EQ(decoder.StartDecompress(), started ? 0 : -1);
+        const int bytesPerPixel = decoder.GetBytesPerPixel();
+        if (started) {
+            outcome.width = static_cast<std::size_t>(decoder.GetWidth());
+            outcome.height = static_cast<std::size_t>(decoder.GetHeight());
+            EXPECT_EQ(bytesPerPixel, decoder.GetComponents() == 1 ? 1 : 4);
+        }
+        const std::uint8_t* row = nullptr;
+        int rowBytes = 0;
+        int result = 0;
+        while ((result = decoder.ReadScanline(&row, &rowBytes)) == 0) {
+            EXPECT_EQ(rowBytes, decoder.GetWidth() * bytesPerPixel);
+            for (int i = 0; i < rowBytes; i += bytesPerPixel) {
+                for (const int c : {2, 1, 0}) outcome.bgr.push_back(row[i + c % bytesPerPixel]);
+            }
+        }
+        outcome.error = decoder.GetError();
+        if (started) outcome.stage = outcome.error == 0 ? "ok" : "rows";
+        EXPECT_EQ(result, !started ? -1 : outcome.error != 0 ? -227 : 1);
+        EXPECT_EQ(decoder.ReadScanline(&row, &rowBytes), outcome.error != 0 ? -1 : 1);
+        const std::size_t whole = 3 * outcome.width * outcome.height;
+        EXPECT_EQ(outcome.bgr.size() == whole, outcome.stage != "rows");
+        outcome.bgr.resize(whole);
+        EXPECT_EQ(source.ended, outcome.error == 0 ? 0 : 1) << "let go with the failure";
+    }
+    EXPECT_EQ(source.begun * 10 + source.ended, 11);
+    return outcome;
+}
+
+void ExpectSameBitmap(const Bytes& jpeg, JpegPath path, const Outcome& expected) {
+    DibImage image;
+    image.InitHeader();
+    EXPECT_EQ(image.DecodeJpeg(jpeg.data(), jpeg.size(), path), expected.width == 0 ? 0 : 1);
+    EXPECT_EQ(image.LastError(), expected.error);
+    const std::size_t rowBytes = 3 * expected.width, stride = (rowBytes + 3) / 4 * 4;
+    BITMAPINFOHEADER header{.biSize = 40,
+                            .biWidth = static_cast<std::int32_t>(expected.width),
+                            .biHeight = static_cast<std::int32_t>(expected.height),
+                            .biPlanes = 1,
+                            .biBitCount = static_cast<std::uint16_t>(rowBytes == 0 ? 0 : 24)};
+    header.biSizeImage = static_cast<std::uint32_t>(stride * expected.height);
+    ASSERT_EQ(image.GetHeader(), header);
+    const std::uint8_t* line = image.GetPixels() + header.biSizeImage;
+    for (std::size_t at = 0; at < expected.bgr.size(); at += rowBytes) {
+        line -= stride;
+        ASSERT_TRUE(std::equal(line, line + rowBytes, expected.bgr.data() + at)) << at / rowBytes;
+        ASSERT_TRUE(std::all_of(line + rowBytes, line + stride, [](int b) { return b == 0; }));
+    }
+}
+
+std::string DecodeEveryWay(const Bytes& jpeg, JpegPath path) {
+    const Outcome whole = Decode(jpeg, path, 1 << 20);
+    for (const int portion : {1, 4095}) {
+        EXPECT_EQ(Decode(jpeg, path, portion).ToString(), whole.ToString()) << "in pieces";
+    }
+    ExpectSameBitmap(jpeg, path, whole);
+    return whole.ToString();
+}
+
+TEST(CorpusTest, EveryFileDecodesAsItsLineSays) {
+    std::set<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(JPEG_CORPUS)) {
+        if (entry.path().extension() == ".jpg") files.insert(entry.path().stem());
+    }
+    const auto check = [](const std::string& name, const std::string& expected) {
+        SCOPED_TRACE(name);
+        const std::string fast = DecodeEveryWay(ReadCorpusFile(name), JpegPath::Fast);
+        const std::string plain = DecodeEveryWay(ReadCorpusFile(name), JpegPath::Plain);
+        const std::string now = fast + " " + (plain == fast ? "=" : plain);
+        EXPECT_EQ(now, expected) << "now: " << name << " " << now;
+    };
+    std::ifstream index(std::string(JPEG_CORPUS) + "/index.txt");
+    for (std::string line; std::getline(index, line);) {
+        std::istringstream words(line);
+        std::string name, fast, plain, why;
+        if (!(words >> name >> fast >> plain >> why) || name == "#") continue;
+        EXPECT_EQ(files.erase(name), 1U) << name << " is no file, or twice in the index";
+        check(name, fast + " " + plain);
+    }
+    for (const std::string& name : files) check(name, "a line in the index");
+}
+
+}  // namespace
+}  // namespace marvolen::test
