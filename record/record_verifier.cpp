@@ -108,27 +108,21 @@ private:
                 return;
             }
             // Where it should be, so that one bad position is one finding.
-            if (pictures == RecordPictures::kChecked) CheckPicture(record, end, entry.length);
+            if (pictures == RecordPictures::kNoted) LookAtPicture(record, end, entry.length);
             used += entry.length;
             end = ring.Advance(position, used);
         }
     }
 
-    // Invariant 9.
-    void CheckPicture(const std::string& record, std::uint64_t position, std::uint64_t length) {
+    // As they came: no invariant.
+    void LookAtPicture(const std::string& record, std::uint64_t position, std::uint64_t length) {
         std::array<std::uint8_t, 4> marks{};
-        if (length < marks.size()) {
-            Find(position, record + " of " + Text(length) + " bytes is no picture");
-            return;
-        }
-        if (!scan.ReadAt(position, marks.data(), 2) ||
-            !scan.ReadAt(ring.Advance(position, length - 2), marks.data() + 2, 2)) {
+        if (length >= marks.size() &&
+            (!scan.ReadAt(position, marks.data(), 2) ||
+             !scan.ReadAt(ring.Advance(position, length - 2), marks.data() + 2, 2))) {
             Find(position, record + " can't be read");
-            return;
-        }
-        if (marks[0] != 0xFF || marks[1] != 0xD8) Find(position, record + " doesn't begin FF D8");
-        if (marks[2] != 0xFF || marks[3] != 0xD9) {
-            Find(ring.Place(ring.Advance(position, length - 2)), record + " doesn't end FF D9");
+        } else if (marks != std::array<std::uint8_t, 4>{0xFF, 0xD8, 0xFF, 0xD9}) {
+            result.notes.push_back({position, record + " is no picture"});
         }
     }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // Checks a record file against the invariants of its format (docs/record_format.md lists them by
-// number).
+// number). What breaks one is a finding: the file is damaged. A record that is no picture breaks
+// none, since cameras' parts are recorded as they came; it is a note.
 
 #include "record/record_scan.h"
 
@@ -11,20 +12,23 @@
 
 namespace marvolen {
 
+// What is wrong, or worth a note, and where.
 struct RecordFinding {
     std::uint64_t position;  // in the file
     std::string text;
 };
 
+// Whether the records' bytes are looked at.
 enum class RecordPictures {
     kIgnored,
-    kChecked  // every record must begin with FF D8 and end with FF D9
+    kNoted  // there is a note for each record that doesn't begin FF D8 and end FF D9
 };
 
 struct RecordVerification {
     std::uint64_t chunks = 0;   // reached from the head
     std::uint64_t records = 0;  // in them
     std::vector<RecordFinding> findings;
+    std::vector<RecordFinding> notes;
 
     bool Sound() const { return findings.empty(); }
 };

@@ -110,7 +110,7 @@ std::vector<StoredRecord> ReadRecords(const std::string& path) {
 bool IsSound(const std::string& path) {
     RecordScan scan;
     return scan.Open(path) && scan.IsRing() &&
-           VerifyRecordFile(scan, RecordPictures::kChecked).Sound();
+           VerifyRecordFile(scan, RecordPictures::kNoted).Sound();
 }
 
 class Recorder : public ::testing::Test {

@@ -44,16 +44,21 @@ public:
     }
 
     bool Read(void* buf, std::uint32_t n, std::uint32_t* got) override {
+        ++reads;
         if (readsBeforeFailure > 0 && --readsBeforeFailure == 0) return false;
         return stuck ? MovesNothing(got) : RecordFile::Read(buf, n, got);
     }
+
+    bool Seek(std::uint64_t pos) override { return pos != failsSeekTo && RecordFile::Seek(pos); }
 
     static constexpr std::uint64_t kEndless = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t room = kEndless;
     bool stuck = false;
     bool failsHeader = false;
     std::uint64_t fullAt = kEndless;  // no byte is taken from this position on
-    int readsBeforeFailure = 0;       // 0: reading never fails
+    std::uint64_t failsSeekTo = kEndless;
+    int reads = 0;
+    int readsBeforeFailure = 0;  // 0: reading never fails
     bool keepsTrace = false;
     std::vector<Piece> trace;
 

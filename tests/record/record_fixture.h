@@ -17,6 +17,9 @@
 
 namespace marvolen::test {
 
+inline constexpr std::uint64_t kMiB = 1048576;
+inline constexpr std::uint64_t kBlock = 19240;
+
 // A record's time and bytes follow from its number alone.
 inline SYSTEMTIME StampOf(std::uint32_t id) {
     const auto part = [id](std::uint32_t divisor, std::uint32_t range) {
@@ -111,10 +114,10 @@ protected:
             }
         }
         if (file->StepForward()) return ::testing::AssertionFailure() << "a record too many";
-        file->CloseReader();
+        file.reset();
         return ::testing::AssertionSuccess();
     }
-    // The same for records first..last of one length, numbered as they were appended.
+    // The same for records first..last of one length.
     ::testing::AssertionResult HoldsRange(std::uint32_t first, std::uint32_t last,
                                           std::uint32_t length) {
         std::vector<TestRecord> records;

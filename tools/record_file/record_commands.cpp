@@ -21,7 +21,8 @@ constexpr const char* kHelp =
   record_file info [--json] FILE            size, chunks, records, first and last stamp
   record_file list [--json] FILE            number, stamp, length and position of every record
   record_file extract FILE NUMBER OUT.jpg   writes a record's picture; 0 is the oldest record
-  record_file verify [--json] FILE          checks everything; each finding is a line that begins
+  record_file verify [--json] FILE          checks everything; each finding, and each note of a
+                                            record that is no picture, is a line that begins
                                             with its position in the file
   record_file --help                        this text
 
@@ -127,6 +128,7 @@ private:
     int List();
     int Extract();
     int Verify();
+    void PutJson(const std::vector<RecordFinding>& findings);
 
     const Invocation& invocation;
     const std::string& path;
@@ -266,27 +268,38 @@ int RecordTool::Extract() {
     return kRecordToolDone;
 }
 
+void RecordTool::PutJson(const std::vector<RecordFinding>& findings) {
+    const char* separator = "[\n";
+    for (const RecordFinding& finding : findings) {
+        out << separator << "{\"position\": " << finding.position
+            << ", \"text\": " << JsonText(finding.text) << '}';
+        separator = ",\n";
+    }
+    out << (findings.empty() ? "[]" : "]");
+}
+
 int RecordTool::Verify() {
-    const RecordVerification result = VerifyRecordFile(scan, RecordPictures::kChecked);
+    const RecordVerification result = VerifyRecordFile(scan, RecordPictures::kNoted);
     if (invocation.json) {
         out << "{\"file\": " << JsonText(path)
             << ", \"sound\": " << (result.Sound() ? "true" : "false")
             << ", \"chunks\": " << result.chunks << ", \"records\": " << result.records
-            << ", \"findings\": [";
-        const char* separator = "\n";
-        for (const RecordFinding& finding : result.findings) {
-            out << separator << "{\"position\": " << finding.position
-                << ", \"text\": " << JsonText(finding.text) << '}';
-            separator = ",\n";
-        }
-        out << "]}\n";
+            << ", \"findings\": ";
+        PutJson(result.findings);
+        out << ", \"notes\": ";
+        PutJson(result.notes);
+        out << "}\n";
     } else {
         for (const RecordFinding& finding : result.findings) {
             out << finding.position << ": " << finding.text << '\n';
         }
+        for (const RecordFinding& note : result.notes) {
+            out << note.position << ": note: " << note.text << '\n';
+        }
         out << path << ": " << (result.Sound() ? "sound" : "damaged") << ", "
             << Counted(result.chunks, "chunk") << ", " << Counted(result.records, "record");
         if (!result.Sound()) out << ", " << Counted(result.findings.size(), "finding");
+        if (!result.notes.empty()) out << ", " << Counted(result.notes.size(), "note");
         out << '\n';
     }
     return result.Sound() ? kRecordToolDone : kRecordToolDamaged;
