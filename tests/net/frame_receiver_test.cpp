@@ -1,7 +1,6 @@
 #include "net/frame_receiver.h"
 
 #include "net/channel_link.h"
-#include "net/frame_pool.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -14,7 +13,6 @@ namespace {
 class RecordingLink : public ChannelLink {
 public:
     std::vector<int> events;
-
     void OnEvent(int code) override { events.push_back(code); }
 };
 
@@ -28,7 +26,6 @@ public:
 
     bool IsStartedBy(const ChannelLink* starter) const { return active && link == starter; }
     bool IsStopped() const { return !active && link == nullptr; }
-    void Produce(FramePtr frame) { Forward(std::move(frame)); }
     void Tell(int code) { PostEvent(code); }
 
     bool Start(ChannelLink* startingLink) override {
@@ -43,10 +40,6 @@ public:
         calls.push_back("stop " + name);
         FrameReceiver::Stop();
     }
-    void Deliver(FramePtr frame) override {
-        calls.push_back("deliver " + name);
-        Forward(std::move(frame));
-    }
 
 private:
     const std::string name;
@@ -56,13 +49,11 @@ private:
 class FrameReceiverTest : public ::testing::Test {
 protected:
     FrameReceiverTest() {
-        EXPECT_TRUE(pool.Init(16, 10));
         head.SetNext(&middle);
         middle.SetNext(&tail);
     }
 
     Calls calls;
-    FramePool pool;
     RecordingLink link;
     Node head{"head", calls}, middle{"middle", calls}, tail{"tail", calls};
 };
