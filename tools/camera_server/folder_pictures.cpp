@@ -43,8 +43,8 @@ bool FolderPictures::Load(const std::string& folder) {
 
 PicturePtr FolderPictures::At(const View& view, std::uint64_t position) {
     if (pictures.empty()) return nullptr;
-    const auto offset = static_cast<std::uint64_t>(view.channel * 7 + view.camera * 3);
-    return pictures[(position + offset) % pictures.size()];
+    const int offset = view.channel * 7 + view.camera * 3;
+    return pictures[(position + static_cast<std::uint64_t>(offset)) % pictures.size()];
 }
 
 }  // namespace marvolen

@@ -21,7 +21,7 @@ StillPictures::StillPictures(std::size_t loopLength, std::vector<std::string> ch
 
 StillPictures::~StillPictures() {
     {
-        const std::lock_guard hold(lock);
+        const MutexLock hold(lock);
         stopping = true;
     }
     workWaits.notify_all();
@@ -29,7 +29,7 @@ StillPictures::~StillPictures() {
 }
 
 PicturePtr StillPictures::At(const View& view, std::uint64_t position) {
-    const std::lock_guard hold(lock);
+    const MutexLock hold(lock);
     const auto [entry, isNew] = loops.try_emplace(view);
     if (isNew) workWaits.notify_all();
     const std::vector<PicturePtr>& ready = entry->second.pictures;
@@ -48,11 +48,13 @@ std::map<View, StillPictures::Loop>::iterator StillPictures::Neediest() {
 
 void StillPictures::Work() {
     ::setpriority(PRIO_PROCESS, 0, kNice);  // of this thread alone
-    std::unique_lock hold(lock);
-    for (;;) {
-        auto entry = loops.end();
-        workWaits.wait(hold, [&] { return stopping || (entry = Neediest()) != loops.end(); });
-        if (stopping) return;
+    MutexLock hold(lock);
+    while (!stopping) {
+        const auto entry = Neediest();
+        if (entry == loops.end()) {
+            workWaits.wait(hold);
+            continue;
+        }
         Loop& loop = entry->second;
         const std::size_t position = loop.pictures.size();
         hold.unlock();

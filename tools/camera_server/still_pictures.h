@@ -3,13 +3,13 @@
 // Sixteen places seen by swaying cameras, for everybody to look at. A view's loop is painted and
 // encoded once, picture by picture as somebody asks for it, and kept.
 
+#include "platform/thread_annotations.h"
 #include "tools/camera_server/picture_source.h"
 
 #include <condition_variable>
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -37,16 +37,16 @@ private:
     };
 
     void Work();
-    std::map<View, Loop>::iterator Neediest();
+    std::map<View, Loop>::iterator Neediest() REQUIRES(lock);
     std::string NameOf(const View& view) const;
 
     const std::size_t length;
     const std::vector<std::string> names;
 
-    std::mutex lock;
-    std::condition_variable workWaits;
-    std::map<View, Loop> loops;  // guarded by lock, but see Loop
-    bool stopping = false;       // guarded by lock
+    Mutex lock;
+    std::condition_variable_any workWaits;
+    std::map<View, Loop> loops GUARDED_BY(lock);
+    bool stopping GUARDED_BY(lock) = false;
 
     std::thread worker;
 };
