@@ -11,7 +11,9 @@ namespace marvolen {
 // The next bit of the stream is the register's highest. The register holds bitsAvailable + 16
 // valid bits; between reads bitsAvailable is 1..48, so that 16 bits can always be peeked. When
 // it refills is part of what it promises: the search for a restart marker begins where the last
-// refill stopped. Small enough to be copied into a function's registers and back.
+// refill stopped. After c bits since priming that is 6 + 6 x ceil(max(0, c - 31) / 48) bytes of
+// entropy-coded data. Reading throws JpegFailure (-232) when the source fails. Small enough to be
+// copied into a function's registers and back.
 class FastBitReader {
 public:
     explicit FastBitReader(JpegInput& newInput) : input(&newInput) {}

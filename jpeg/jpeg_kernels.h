@@ -49,6 +49,7 @@ std::span<const JpegKernels* const> AvailableJpegKernels();
 const JpegKernels& ActiveJpegKernels();
 
 // Makes new decoders use these kernels, or the best ones again when null. For tests and benchmarks.
+// The kernels are borrowed until the next call; no decoder may be made on another thread meanwhile.
 void ForceJpegKernels(const JpegKernels* kernels);
 
 }  // namespace marvolen

@@ -10,7 +10,10 @@ namespace marvolen {
 // two bytes at a time.
 //
 // The next bit of the stream is the register's highest. The register holds bitsAvailable + 16
-// valid bits; between reads bitsAvailable is 1..16, so that 16 bits can always be peeked.
+// valid bits; between reads bitsAvailable is 1..16, so that 16 bits can always be peeked. When it
+// refills is part of what it promises, as with FastBitReader: after c bits since priming it has
+// taken 4 + 2 x ceil(max(0, c - 15) / 16) bytes. Reading throws JpegFailure (-232) when the source
+// fails.
 class PlainBitReader {
 public:
     explicit PlainBitReader(JpegInput& newInput) : input(&newInput) {}
