@@ -37,8 +37,8 @@ void CheckReader(int stuffed, int low, int high, BytesTaken bytesTaken) {
         ASSERT_EQ(input.ReadRaw(), raw[next + 1]);
         input.Unread(2);
         const auto at = static_cast<std::size_t>(consumed / 8);
-        const std::uint32_t three = data[at] << 16U | data[at + 1] << 8U | data[at + 2];
-        const std::uint32_t sixteen = three << consumed % 8 >> 8 & 0xFFFF;
+        const int three = data[at] << 16 | data[at + 1] << 8 | data[at + 2];
+        const auto sixteen = static_cast<std::uint32_t>(three << consumed % 8 >> 8 & 0xFFFF);
         ASSERT_EQ(reader.Peek16(), sixteen);
         const int count = low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
         ASSERT_EQ(reader.ReadBits(count), sixteen >> (16 - count));

@@ -66,7 +66,7 @@ void CheckTable(const std::array<std::uint8_t, 17>& counts, const Bytes& symbols
             ASSERT_TRUE(direct.IsSymbol() || direct.IsCoefficient() || length > 8) << window;
             const bool whole = direct.IsCoefficient();
             if (!whole && !direct.IsSymbol()) continue;
-            const int size = dc ? symbol : symbol & 15;
+            const int size = !whole ? 0 : dc ? symbol : symbol & 15;
             const std::uint32_t bits = window << length >> (16 - size) & ((1U << size) - 1);
             const int value = size == 0 ? 0 : ExtendCoefficient(bits, size);
             ASSERT_EQ(direct.Bits(), whole ? length + size : length) << window;
@@ -78,7 +78,7 @@ void CheckTable(const std::array<std::uint8_t, 17>& counts, const Bytes& symbols
 
 TEST(HuffmanTableTest, DecodesAsASearchWould) {
     std::mt19937 random(3);
-    for (int round = 0; round < 12; ++round) {
+    for (std::size_t round = 0; round < 12; ++round) {
         SCOPED_TRACE(round);
         std::array<std::uint8_t, 17> counts{};
         std::uint32_t room = 65536;
