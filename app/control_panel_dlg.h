@@ -24,6 +24,7 @@ public:
     explicit CLogoBox(QWidget* parent);
 
     QSize sizeHint() const override;
+    QAccessible::Role AccessibleRole() const override { return QAccessible::Button; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

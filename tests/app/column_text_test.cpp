@@ -6,25 +6,19 @@
 namespace marvolen {
 namespace {
 
-using Columns = std::vector<ColumnText>;
-
-TEST(ColumnText, ReadsNamesAndWidths) {
-    EXPECT_EQ(ParseColumns("ID,20;CH,54;Time,115;Message,192"),
-              (Columns{{"ID", 20}, {"CH", 54}, {"Time", 115}, {"Message", 192}}));
-    EXPECT_EQ(ParseColumns("ID,20;"), (Columns{{"ID", 20}}));
-    EXPECT_EQ(ParseColumns(",5"), (Columns{{"", 5}}));
-}
-
-TEST(ColumnText, ANameRunsToItsCommaAndAWidthToItsSemicolon) {
-    EXPECT_EQ(ParseColumns("A;B,10"), (Columns{{"A;B", 10}}));
-    EXPECT_EQ(ParseColumns("A,10,20;B,30"), (Columns{{"A", 10}, {"B", 30}}));
-    EXPECT_EQ(ParseColumns(";,1"), (Columns{{";", 1}}));
-}
-
-TEST(ColumnText, WidthsAreTheirLeadingDigits) {
-    EXPECT_EQ(
-        ParseColumns("A,12px;B,wide;C,;D,-4;E,99999999999999999999"),
-        (Columns{{"A", 12}, {"B", 0}, {"C", 0}, {"D", 0}, {"E", std::numeric_limits<int>::max()}}));
+TEST(ColumnText, NamesRunToTheirCommaAndWidthsAreTheirLeadingDigits) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    using Columns = std::vector<ColumnText>;
+    const std::pair<const char*, Columns> texts[] = {
+        {"ID,20;CH,54", {{"ID", 20}, {"CH", 54}}},
+        {"ID,20;", {{"ID", 20}}},
+        {"A,10;B", {{"A", 10}}},
+        {";,1", {{";", 1}}},
+        {",5", {{"", 5}}},
+        {"A,10,20;B,30", {{"A", 10}, {"B", 30}}},
+        {"A,12px;B,w;C,;D,-4", {{"A", 12}, {"B", 0}, {"C", 0}, {"D", 0}}},
+        {"A,99999999999999999999", {{"A", kMost}}}};
+    for (const auto& [text, columns] : texts) EXPECT_EQ(ParseColumns(text), columns) << text;
 }
 
 }  // namespace

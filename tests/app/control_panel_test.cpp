@@ -2,12 +2,11 @@
 
 #include "app/control_panel_dlg.h"
 #include "display/popup_info_dlg.h"
-#include "res/resource_ids.h"
 #include "tests/app/main_window.h"
 
+#include <QAccessible>
 #include <QApplication>
 
-#include <algorithm>
 #include <vector>
 
 namespace marvolen {
@@ -18,119 +17,96 @@ protected:
     ControlPanel() {
         WithoutHosts();
         Open();
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-
-    QString Page() { return PageText(IDC_PAGE_TEXT); }
 
     void ClickPane(int k) { QTest::mouseClick(&window->Pane(k), Qt::LeftButton); }
     static void Key(int key) {
         QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key));
         QCoreApplication::processEvents();
     }
-
-    long RecordingPanes() {
-        long count = 0;
-        for (int k = 0; k < kChannelCount; ++k) count += IsRecording(k);
-        return count;
-    }
-
-    std::vector<CPopupInfoDlg*> VisiblePopups() {
-        std::vector<CPopupInfoDlg*> visible;
-        for (CPopupInfoDlg* popup : window->findChildren<CPopupInfoDlg*>()) {
-            if (popup->isVisible()) visible.push_back(popup);
-        }
-        return visible;
+    void ExpectToggle(const QString& text) {
+        EXPECT_EQ(Text(IDC_RECORD_TOGGLE), text);
+        EXPECT_TRUE(Control(IDC_RECORD_TOGGLE)->accessibleName().startsWith(text));
     }
 };
 
 TEST_F(ControlPanel, ViewsShowThePageOfTheSelectedChannel) {
-    EXPECT_EQ(window->CurrentChannel(), 0);
     EXPECT_EQ(Page(), QStringLiteral("1/1"));
     EXPECT_FALSE(Control(IDC_NEXT_PAGE)->isEnabled() || Control(IDC_PREVIOUS_PAGE)->isEnabled());
     ClickPane(9);
-    for (int k = 0; k < kChannelCount; ++k) {
-        EXPECT_EQ(Status(k) & PANE_SELECTED, k == 9 ? PANE_SELECTED : 0U) << k;
-    }
+    for (int k = 0; k < kChannelCount; ++k) EXPECT_EQ(Has(k, PANE_SELECTED), k == 9) << k;
     Click(IDC_VIEW_4);
     EXPECT_EQ(Page(), QStringLiteral("3/4"));
-    EXPECT_EQ(VisiblePanes(), (std::set<int>{8, 9, 10, 11}));
-    ClickPane(11);
+    EXPECT_EQ(Visible(), (std::set<int>{8, 9, 10, 11}));
     Click(IDC_NEXT_PAGE);
     ClickPane(15);
     Click(IDC_VIEW_1);
     EXPECT_EQ(Page(), QStringLiteral("16/16"));
     EXPECT_FALSE(Control(IDC_NEXT_PAGE)->isEnabled());
     Click(IDC_PREVIOUS_PAGE);
-    EXPECT_EQ(VisiblePanes(), std::set<int>{14});
+    EXPECT_EQ(Visible(), std::set<int>{14});
     EXPECT_EQ(window->Pane(14).geometry(),
               QRect(0, 0, window->ControlPanel().x(), window->height()));
-    EXPECT_EQ(Status(14) & PANE_SELECTED, 0U) << "paging leaves the selection alone";
     Click(IDC_RECORD_TOGGLE);
-    EXPECT_TRUE(IsRecording(15));
-    EXPECT_FALSE(IsRecording(14));
+    EXPECT_EQ(Recording(), std::set<int>{15}) << "paging leaves the selection alone";
     Click(IDC_VIEW_16);
-    EXPECT_EQ(VisiblePanes().size(), 16U);
-    EXPECT_EQ(Page(), QStringLiteral("1/1"));
+    EXPECT_EQ(Visible().size(), 16U);
+    auto* page = QAccessible::queryAccessibleInterface(Control(IDC_PAGE_TEXT));
+    EXPECT_EQ(page->text(QAccessible::Name), QStringLiteral("Page 1/1"));
 }
 
-TEST_F(ControlPanel, RecordingCommandsFollowTheSelectedPane) {
-    const auto expectButton = [&](const char* text) {
-        EXPECT_EQ(Text(IDC_RECORD_TOGGLE), QLatin1String(text));
-        EXPECT_TRUE(Control(IDC_RECORD_TOGGLE)->accessibleName().startsWith(QLatin1String(text)));
-    };
-    expectButton("Start");
+// They follow the selected pane, each when the click that gave it is over.
+TEST_F(ControlPanel, RecordingCommandsAreQueued) {
+    ExpectToggle(QStringLiteral("Start"));
     Click(IDC_RECORD_TOGGLE);
-    EXPECT_TRUE(IsRecording(0));
-    expectButton("Stop");
+    EXPECT_EQ(Recording(), std::set<int>{0});
+    ExpectToggle(QStringLiteral("Stop"));
     ClickPane(1);
-    expectButton("Start");
-    Click(IDC_START_ALL);
-    EXPECT_EQ(RecordingPanes(), 16);
-    expectButton("Stop");
-    Click(IDC_RECORD_TOGGLE);
-    EXPECT_FALSE(IsRecording(1));
-    EXPECT_EQ(RecordingPanes(), 15);
-    Click(IDC_STOP_ALL);
-    EXPECT_EQ(RecordingPanes(), 0);
-    expectButton("Start");
-}
-
-// A command given by a click is carried out after it, in order with what is posted.
-TEST_F(ControlPanel, CommandsAreQueued) {
+    ExpectToggle(QStringLiteral("Start"));
     QTest::mouseClick(Control(IDC_START_ALL), Qt::LeftButton);
-    EXPECT_EQ(RecordingPanes(), 0);
+    EXPECT_EQ(Recording(), std::set<int>{0});
     QCoreApplication::processEvents();
-    EXPECT_EQ(RecordingPanes(), 16);
+    EXPECT_EQ(Recording().size(), 16U);
+    ExpectToggle(QStringLiteral("Stop"));
+    Click(IDC_RECORD_TOGGLE);
+    EXPECT_EQ(Recording().size(), 15U);
+    EXPECT_FALSE(Has(1, PANE_RECORDING));
+    ClickPane(2);
+    Click(IDC_STOP_ALL);
+    EXPECT_TRUE(Recording().empty());
+    ExpectToggle(QStringLiteral("Start"));
 }
 
 TEST_F(ControlPanel, PopUpsFollowTheMouseOnlyWhenEnabled) {
-    const auto moveOver = [&](QWidget* widget) {
+    const auto popupsOver = [this](QWidget* widget) {
         QTest::mouseMove(widget, QPoint(3, 3));
         QTest::mouseMove(widget, QPoint(5, 5));
         QCoreApplication::processEvents();
+        std::vector<CPopupInfoDlg*> visible;
+        for (CPopupInfoDlg* popup : window->findChildren<CPopupInfoDlg*>()) {
+            if (popup->isVisible()) visible.push_back(popup);
+        }
+        return visible;
     };
-    moveOver(&window->Pane(2));
-    EXPECT_TRUE(VisiblePopups().empty());
+    EXPECT_TRUE(popupsOver(&window->Pane(2)).empty());
     Click(IDC_ENABLE_POPUP);
-    moveOver(&window->Pane(2));
-    ASSERT_EQ(VisiblePopups().size(), 1U);
-    CPopupInfoDlg* const second = VisiblePopups()[0];
-    moveOver(&window->Pane(5));
-    ASSERT_EQ(VisiblePopups().size(), 1U);
-    EXPECT_NE(VisiblePopups()[0], second);
-    moveOver(&window->ControlPanel());
-    EXPECT_TRUE(VisiblePopups().empty());
-    moveOver(&window->Pane(2));
-    EXPECT_EQ(VisiblePopups().size(), 1U);
+    const auto second = popupsOver(&window->Pane(2));
+    EXPECT_EQ(second.size(), 1U);
+    const auto fifth = popupsOver(&window->Pane(5));
+    EXPECT_EQ(fifth.size(), 1U);
+    EXPECT_NE(fifth, second);
+    EXPECT_TRUE(popupsOver(&window->ControlPanel()).empty());
+    EXPECT_EQ(popupsOver(&window->Pane(2)), second);
     Click(IDC_ENABLE_POPUP);
-    EXPECT_TRUE(VisiblePopups().empty()) << "nothing would hide it any more";
+    EXPECT_FALSE(second[0]->isVisible()) << "nothing would hide it any more";
 }
 
 TEST_F(ControlPanel, EveryCommandIsReachedByTheTabKey) {
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     Click(IDC_VIEW_4);
-    Click(IDC_NEXT_PAGE);  // page 2 of 4: both page buttons are enabled
+    ClickPane(5);
+    Click(IDC_VIEW_4);  // page 2 of 4: both page buttons are enabled
     std::set<int> reached;
     for (int k = 0; k < 60; ++k) {
         Key(Qt::Key_Tab);
@@ -140,13 +116,13 @@ TEST_F(ControlPanel, EveryCommandIsReachedByTheTabKey) {
          {IDC_RECORD_TOGGLE, IDC_STOP_ALL, IDC_START_ALL, IDC_LOGO, IDC_LOG_LIST, IDC_LOG_CLEAN,
           IDC_LOG_SAVE, IDC_PREVIOUS_PAGE, IDC_NEXT_PAGE, IDC_VIEW_4, IDC_ENABLE_POPUP, IDC_EXIT}) {
         EXPECT_TRUE(reached.contains(id)) << id;
+        const auto* button = qobject_cast<QAbstractButton*>(Control(id));
+        EXPECT_TRUE(Control(id)->accessibleName().contains(button ? button->text() : QString()));
         EXPECT_FALSE(Control(id)->accessibleName().isEmpty()) << id;
     }
 }
 
 TEST_F(ControlPanel, KeysSelectPanesTurnPagesAndPressButtons) {
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     ClickPane(5);
     Key(Qt::Key_Right);
     Key(Qt::Key_Down);
@@ -156,7 +132,7 @@ TEST_F(ControlPanel, KeysSelectPanesTurnPagesAndPressButtons) {
     Key(Qt::Key_PageDown);
     EXPECT_EQ(Page(), QStringLiteral("4/4"));
     Key(Qt::Key_Space);
-    EXPECT_EQ(RecordingPanes(), 0) << "the focus of a hidden pane isn't on \"Start\"";
+    EXPECT_TRUE(Recording().empty()) << "the focus of a hidden pane isn't on \"Start\"";
     Key(Qt::Key_Right);
     EXPECT_EQ(window->CurrentChannel(), 12) << "the first pane in sight";
     Key(Qt::Key_PageUp);
@@ -168,10 +144,10 @@ TEST_F(ControlPanel, KeysSelectPanesTurnPagesAndPressButtons) {
     EXPECT_TRUE(Control(IDC_NEXT_PAGE)->hasFocus()) << "the other one is disabled";
     Control(IDC_LOG_LIST)->setFocus();
     Key(Qt::Key_Return);
-    EXPECT_EQ(RecordingPanes(), 0) << "Enter in the list starts nothing";
+    EXPECT_TRUE(Recording().empty()) << "Enter in the list starts nothing";
     Control(IDC_START_ALL)->setFocus();
     Key(Qt::Key_Return);
-    EXPECT_EQ(RecordingPanes(), 16);
+    EXPECT_EQ(Recording().size(), 16U);
 }
 
 }  // namespace

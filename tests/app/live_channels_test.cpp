@@ -109,7 +109,10 @@ TEST_F(LiveChannelsTest, ReopensFiveSecondsAfterACloseOrError) {
     channels.OnTimer(2);
     EXPECT_FALSE(timers.contains(2)) << "ticks once";
     EXPECT_TRUE(RunUntilLive(2));
+    channels.StopAllChannels(CloseFlag::Ordered);
+    channels.OnNetEvent(NETEVENT_CLOSE, Info(2));  // of a connection closed since
     EXPECT_EQ(Count("3 Network close."), 1) << "one close, one entry";
+    EXPECT_TRUE(timers.empty());
 }
 
 TEST_F(LiveChannelsTest, TheWatchdogRestartsTheSilentAndCancelsTheirReconnects) {
@@ -173,44 +176,30 @@ TEST_F(LiveChannelsTest, WhatIsWantedToRecordOutlivesEveryReopening) {
 // A spell lasts from the first failure until the file can be had, however often it is tried.
 TEST_F(LiveChannelsTest, AChannelThatCannotRecordSaysWhatAndSinceWhen) {
     SetFieldText(Info(2).recordPath, "here.dbt");
-    RecordFile elsewhere;
-    const auto open = [&](bool expected) {
-        EXPECT_EQ(channels.OpenChannel(2), expected);
+    const auto expect = [&](RecordTrouble trouble, const char* since) {
+        EXPECT_EQ(channels.OpenChannel(2), trouble == RecordTrouble::None);
         channels.CloseChannel(2, CloseFlag::Ordered);
+        EXPECT_EQ(panes[2].trouble, TroubleText(trouble) + std::string(since));
         now.hour++;
     };
     ::testing::internal::CaptureStderr();
-    for (const char* since : {"since 2004/02/29 08:15:00", "since 2004/02/29 12:15:00"}) {
+    RecordFile elsewhere;
+    for (const char* since : {", since 2004/02/29 08:15:00", ", since 2004/02/29 11:15:00"}) {
         ASSERT_TRUE(elsewhere.OpenOrCreateNew("here.dbt", 1 << 20));
-        open(false);
-        EXPECT_EQ(panes[2].trouble, std::string(TroubleText(RecordTrouble::InUse)) + ", " + since);
+        expect(RecordTrouble::InUse, since);
         elsewhere.CloseWriter();
         Info(2).maxSizeMB = 0;
-        open(false);
-        EXPECT_EQ(panes[2].trouble,
-                  std::string(TroubleText(RecordTrouble::BadMaximum)) + ", " + since);
+        expect(RecordTrouble::BadMaximum, since);
         Info(2).maxSizeMB = 1;
-        open(true);
-        EXPECT_EQ(panes[2].trouble, "");
-        now.hour++;
+        expect(RecordTrouble::None, "");
     }
-    const std::string line = std::string("NET.3: ") + TroubleText(RecordTrouble::InUse);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              line + ": here.dbt\n" + line + ": here.dbt\n");
+    const std::string line =
+        "NET.3: " + std::string(TroubleText(RecordTrouble::InUse)) + ": here.dbt\n";
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), line + line);
     Info(2).maxSizeMB = 0;
-    open(false);
-    SetFieldText(Info(2).host, "");
-    open(true);
-    EXPECT_EQ(panes[2].trouble, "") << "isn't to record any more";
-}
-
-TEST_F(LiveChannelsTest, AnEventOfAChannelClosedSinceIsIgnored) {
-    channels.StartAllChannels();
-    ASSERT_TRUE(RunUntilLive(4));
-    channels.StopAllChannels(CloseFlag::Ordered);
-    channels.OnNetEvent(NETEVENT_CLOSE, Info(4));
-    EXPECT_EQ(Count("5 Network close."), 0);
-    EXPECT_TRUE(timers.empty());
+    expect(RecordTrouble::BadMaximum, ", since 2004/02/29 14:15:00");
+    SetFieldText(Info(2).host, "");  // isn't to record any more
+    expect(RecordTrouble::None, "");
 }
 
 }  // namespace

@@ -3,12 +3,13 @@
 // The main window over sixteen cameras, and its panel's controls under a hand.
 
 #include "app/marvolen_dlg.h"
+#include "res/resource_ids.h"
 #include "tests/app/cameras.h"
 #include "tests/support/event_loop.h"
 
+#include <QAbstractButton>
 #include <QImage>
 #include <QLabel>
-#include <QPushButton>
 
 #include <memory>
 #include <set>
@@ -22,47 +23,45 @@ protected:
         window->CreateModeless();
     }
 
-    std::uint32_t Status(int k) { return window->Pane(k).GetStatus(); }
-    bool IsConnected(int k) { return (Status(k) & PANE_CONNECTED) != 0; }
-    bool IsRecording(int k) { return (Status(k) & PANE_RECORDING) != 0; }
-
-    // Connected, and the pane shows another picture than it did.
-    void ExpectLive(int k) {
-        EXPECT_TRUE(WaitUntil([&] { return IsConnected(k); })) << "channel " << k;
-        const QImage before = VideoArea(k);
-        EXPECT_TRUE(WaitUntil([&] {
-            const QImage now = VideoArea(k);
-            return now != before && now.pixelColor(now.rect().center()) != QColor(Qt::black);
-        })) << "channel "
-            << k;
+    bool Has(int k, std::uint32_t status) {
+        return (window->Pane(k).GetStatus() & status) == status;
+    }
+    std::set<int> Recording() {
+        return PanesThat([this](int k) { return Has(k, PANE_RECORDING); });
+    }
+    std::set<int> Visible() {
+        return PanesThat([this](int k) { return window->Pane(k).isVisible(); });
     }
 
-    QImage VideoArea(int k) {
+    // The pane's video area shows anything but black.
+    bool ShowsPicture(int k) {
         VideoPane& pane = window->Pane(k);
-        return pane.grab(QRect(2, 23, pane.width() - 4, pane.height() - 25)).toImage();
+        const QImage seen = pane.grab(QRect(2, 23, pane.width() - 4, pane.height() - 25)).toImage();
+        return seen.pixelColor(seen.rect().center()) != QColor(Qt::black);
     }
 
     QWidget* Control(int id) { return window->ControlPanel().GetDlgItem(id); }
-    QString Text(int id) { return window->ControlPanel().GetDlgItem<QPushButton>(id)->text(); }
-    QString PageText(int id) { return window->ControlPanel().GetDlgItem<QLabel>(id)->text(); }
+    QString Text(int id) { return window->ControlPanel().GetDlgItem<QAbstractButton>(id)->text(); }
+    QString Page() { return window->ControlPanel().GetDlgItem<QLabel>(IDC_PAGE_TEXT)->text(); }
 
     // Queued commands have been carried out when this returns. At a place of the control's: a check
     // box is wider than what can be clicked.
     void Click(int id) {
-        QTest::mouseClick(Control(id), Qt::LeftButton, Qt::NoModifier,
-                          QPoint(8, Control(id)->height() / 2));
+        QTest::mouseClick(Control(id), Qt::LeftButton, {}, QPoint(8, Control(id)->height() / 2));
         QCoreApplication::processEvents();
     }
 
-    std::set<int> VisiblePanes() {
-        std::set<int> visible;
-        for (int k = 0; k < kChannelCount; ++k) {
-            if (window->Pane(k).isVisible()) visible.insert(k);
-        }
-        return visible;
-    }
-
     std::unique_ptr<CMarvolenDlg> window;
+
+private:
+    template <typename Predicate>
+    static std::set<int> PanesThat(Predicate predicate) {
+        std::set<int> panes;
+        for (int k = 0; k < kChannelCount; ++k) {
+            if (predicate(k)) panes.insert(k);
+        }
+        return panes;
+    }
 };
 
 }  // namespace marvolen::test
