@@ -13,8 +13,7 @@ namespace {
 
 struct Code {
     std::uint32_t code;
-    int length;
-    int symbol;
+    int length, symbol;
 };
 
 // Symbol and length of what the window begins with. What no code begins with is symbol 0: by the

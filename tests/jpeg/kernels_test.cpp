@@ -13,45 +13,40 @@ namespace {
 
 using Block = std::array<std::int16_t, 64>;
 
-std::int16_t Random(std::mt19937& random, int limit) {
-    const auto range = static_cast<unsigned>(2 * limit + 2);
-    return static_cast<std::int16_t>(static_cast<int>(random() % range) - limit - 1);
-}
-
-// Blocks with a single coefficient, with few, with all, and far out of range.
-std::vector<Block> Blocks(std::mt19937& random) {
-    std::vector<Block> blocks;
-    for (std::size_t i = 0; i < 64; ++i) {
-        for (const int value : {1, -1, 37, -1024, 32767, -32768}) {
-            blocks.emplace_back().fill(0);
-            blocks.back()[i] = static_cast<std::int16_t>(value);
-        }
-    }
-    for (const int limit : {1, 15, 255, 1023, 32767}) {
-        for (int filled = 2; filled <= 64; filled += 2) {
-            blocks.emplace_back().fill(0);
-            for (int i = 0; i < filled; ++i) blocks.back()[random() % 64] = Random(random, limit);
-        }
-    }
-    return blocks;
-}
-
-// Both inverse DCTs, with a camera's table and a wild one, into the middle of a wider buffer.
+// Both inverse DCTs, with a camera's table and a wild one, into the middle of a wider buffer: of
+// blocks with a single coefficient, with few, with all, and far out of range.
 Bytes Transform(const JpegKernels& kernels) {
     std::mt19937 random(20240229);
+    const auto below = [&](int limit) {
+        const auto range = static_cast<unsigned>(2 * limit + 2);
+        return static_cast<std::int16_t>(static_cast<int>(random() % range) - limit - 1);
+    };
     Block camera, wild;
     for (std::size_t i = 0; i < 64; ++i) {
         const int entry = static_cast<int>(3 + i / 8 * 5 + i % 8 * 4);
         camera[i] = static_cast<std::int16_t>((kAanScale[i] * entry + 2048) >> 12);
-        wild[i] = Random(random, 32767);
+        wild[i] = below(32767);
     }
     Bytes all;
-    for (const Block& block : Blocks(random)) {
+    const auto transform = [&](const Block& block) {
         Bytes windows(3 * 240, 0xA5);
         kernels.fastIdct(block.data(), camera.data(), windows.data() + 32, 24);
         kernels.fastIdct(block.data(), wild.data(), windows.data() + 272, 24);
         kernels.plainIdct(block.data(), windows.data() + 512, 24);
         all.insert(all.end(), windows.begin(), windows.end());
+    };
+    for (std::size_t i = 0; i < 64 * 6; ++i) {
+        static constexpr std::int16_t kValues[] = {1, -1, 37, -1024, 32767, -32768};
+        Block block{};
+        block[i / 6] = kValues[i % 6];
+        transform(block);
+    }
+    for (const int limit : {1, 15, 255, 1023, 32767}) {
+        for (int filled = 2; filled <= 64; filled += 2) {
+            Block block{};
+            for (int i = 0; i < filled; ++i) block[random() % 64] = below(limit);
+            transform(block);
+        }
     }
     return all;
 }
