@@ -74,25 +74,6 @@ public:
     std::uint64_t Max() const { return max; }
     std::size_t Chunks() const { return chunks.size(); }
     std::uint64_t FileSize() const { return fileSize; }
-    // A chunk's index block as the file must have it, entries' positions and lengths only.
-    ChunkBlock BlockOf(std::size_t k) const {
-        const Chunk& chunk = chunks[k];
-        const std::uint64_t turn = std::min(fileSize, max);
-        std::uint64_t at = chunk.self;
-        const auto advance = [&](std::uint64_t n) {
-            at = n <= turn - at ? at + n : 24 + n - (turn - at);
-        };
-        ChunkBlock block{};
-        block.header = {kChunkMagic, 0, chunk.self, 0, 0, 0, 0};
-        if (k + 1 < chunks.size()) block.header.next = chunks[k + 1].self;
-        if (k > 0) block.header.prev = chunks[k - 1].self;
-        advance(kBlock);
-        for (const TestRecord& record : chunk.records) {
-            block.entries[block.header.count++] = {at, record.length, StampOf(record.id)};
-            advance(record.length);
-        }
-        return block;
-    }
     std::uint64_t ChunkPosition(std::size_t k) const { return chunks[k].self; }
 
 private:
