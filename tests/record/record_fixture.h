@@ -8,6 +8,8 @@
 #include "tests/support/temporary_folder.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -22,17 +24,9 @@ inline constexpr std::uint64_t kBlock = 19240;
 
 // A record's time and bytes follow from its number alone.
 inline SYSTEMTIME StampOf(std::uint32_t id) {
-    const auto part = [id](std::uint32_t divisor, std::uint32_t range) {
-        return static_cast<std::uint16_t>(id / divisor % range);
-    };
-    return {static_cast<std::uint16_t>(2000 + id % 97),
-            part(1, 12),
-            part(3, 7),
-            part(12, 31),
-            part(60, 24),
-            part(7, 60),
-            part(1, 60),
-            part(65536, 1000)};
+    std::array<std::uint16_t, 8> words;
+    for (std::uint16_t& word : words) word = static_cast<std::uint16_t>((id *= 2654435761U) >> 16);
+    return std::bit_cast<SYSTEMTIME>(words);
 }
 
 inline const std::uint8_t* BytesOf(std::uint32_t id) {
@@ -100,22 +94,18 @@ protected:
     // Reads the file through; whether it holds exactly these records, in order.
     ::testing::AssertionResult HoldsExactly(const std::vector<TestRecord>& records) {
         if (!Read()) return ::testing::AssertionFailure() << "can't be opened";
-        if (file->RecordCount() != records.size()) {
-            return ::testing::AssertionFailure()
-                   << file->RecordCount() << " records, not " << records.size();
-        }
         const FramePtr frame = pool.Acquire();
-        for (std::size_t k = 0; k < records.size(); ++k) {
-            if (k > 0 && !file->StepForward()) {
-                return ::testing::AssertionFailure() << "no step to record " << k;
-            }
-            if (!file->ReadRecord(*frame) || !Holds(*frame, records[k])) {
-                return ::testing::AssertionFailure() << "record " << k << " differs";
-            }
+        std::size_t k = 0;
+        while (k < records.size() && (k == 0 || file->StepForward()) && file->ReadRecord(*frame) &&
+               Holds(*frame, records[k])) {
+            ++k;
         }
-        if (file->StepForward()) return ::testing::AssertionFailure() << "a record too many";
-        file.reset();
-        return ::testing::AssertionSuccess();
+        if (k == records.size() && k == file->RecordCount() && !file->StepForward()) {
+            file.reset();
+            return ::testing::AssertionSuccess();
+        }
+        return ::testing::AssertionFailure()
+               << "record " << k << " of " << file->RecordCount() << " and " << records.size();
     }
     // The same for records first..last of one length.
     ::testing::AssertionResult HoldsRange(std::uint32_t first, std::uint32_t last,
@@ -160,11 +150,6 @@ protected:
         return value;
     }
     RingHeader Header() { return Peek<RingHeader>(0); }
-    ChunkHeader Chunk(std::uint64_t position) { return Peek<ChunkHeader>(position); }
-    IndexEntry Entry(std::uint64_t chunk, std::uint32_t number) {
-        return Peek<IndexEntry>(chunk + sizeof(ChunkHeader) + number * sizeof(IndexEntry));
-    }
-
     virtual std::unique_ptr<RecordFile> NewFile() { return std::make_unique<RecordFile>(); }
     void Renew() {
         file.reset();  // before the next one asks for the same file

@@ -158,9 +158,7 @@ TEST_F(RecordTool, VerifyNamesTheFieldThatIsWrong) {
         MakePictures(601, kMiB);
         ASSERT_EQ(Findings(), "");
         Patch(damage.position, &damage.value, static_cast<std::size_t>(damage.width));
-        const std::string found = Findings();
-        // 601 entries are more than the file's bytes can bear out.
-        EXPECT_EQ(found.substr(0, std::strlen(damage.line)), damage.line);
+        EXPECT_EQ(Findings().find(damage.line), 0U) << damage.position;
     }
     MakePictures(601, kMiB);
     Cut(second + 100);
