@@ -35,13 +35,17 @@ public:
     // Closing a closed file does nothing.
     virtual void Close();
 
+    // Goes to a position, which may lie beyond the end; one that no file can have is refused.
     virtual bool Seek(std::uint64_t pos);
     virtual std::uint64_t Tell();
+    // The file's size; 0 while closed.
     virtual std::uint64_t GetSize();
 
-    // A read at the end of the file succeeds with a count of 0.
+    // Reads up to n bytes at the position, which advances by what was moved. Fewer only at the end
+    // of the file; at the end itself it succeeds with a count of 0.
     virtual bool Read(void* buf, std::uint32_t n, std::uint32_t* got);
-    // A write that fails may have moved some bytes; put receives how many.
+    // Writes n bytes at the position, which advances by what was moved. A write that fails may have
+    // moved some bytes; put receives how many.
     virtual bool Write(const void* buf, std::uint32_t n, std::uint32_t* put);
 
     bool IsOpen() const { return handle.IsOpen(); }
@@ -54,7 +58,7 @@ public:
 protected:
     // Opens an existing file as it is, or makes an empty one, as Open and Create do.
     bool OpenOrMake(const std::string& path) { return handle.OpenOrMake(path); }
-    // Ends the file at the current position.
+    // Ends the file at the current position; false when the system refuses.
     bool SetEndOfFile() { return handle.Truncate(); }
 
 private:

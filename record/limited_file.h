@@ -18,7 +18,7 @@ public:
     // clipped to nothing.
     bool Write(const void* buf, std::uint32_t n, std::uint32_t* put) override;
 
-    // Refused while the limit is on.
+    // The maximum in bytes from the start of the file. Refused while the limit is on.
     virtual bool SetMaxSize(std::uint64_t size);
     virtual std::uint64_t GetMaxSize();
 
@@ -26,7 +26,7 @@ public:
     bool SetLimit(bool flag);
 
 protected:
-    // Called after a clipped write, whether it succeeded or not.
+    // Called after a clipped write, whether it succeeded or not. Does nothing here.
     virtual void OnLimit();
 
     bool limitOn = false;

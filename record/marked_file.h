@@ -20,11 +20,15 @@ public:
     // the write that it moves the mark forward to.
     bool Write(const void* buf, std::uint32_t n, std::uint32_t* put) override;
 
+    // Whether writes that cover the mark call OnMark.
     void SetWatch(bool flag) { watchOn = flag; }
+    // The mark, a position; setting it neither reads nor writes.
     void SetMark(std::uint64_t pos) { mark = pos; }
     std::uint64_t GetMark() const { return mark; }
 
 protected:
+    // Called before a write that would cover the mark; leaves the position where it found it. May
+    // move the mark, or refuse the write. Does nothing here.
     virtual void OnMark();
     // For OnMark: the write that is about to cover the mark fails instead, with nothing moved.
     void RefuseWrite() { writeRefused = true; }

@@ -4,7 +4,7 @@
 //
 // For tools and checks, which unlike playback want to see a damaged file too. The file is opened
 // read-only and shared: a recorder's file can't be opened, and while a scan has a file no recorder
-// gets it.
+// gets it. Used by one thread at a time.
 
 #include "platform/file_handle.h"
 #include "record/record_format.h"
@@ -24,7 +24,8 @@ public:
     bool Open(const std::string& path);
     FileOpenError OpenError() const { return file.OpenError(); }
 
-    // The header was read and starts with "RING", and the ring can hold a chunk at its head.
+    // Of the file opened last. The header was read and starts with "RING", and the ring can hold a
+    // chunk at its head.
     bool IsRing() const { return isRing; }
     const RingHeader& Header() const { return header; }
     std::uint64_t FileSize() const { return fileSize; }

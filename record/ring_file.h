@@ -38,9 +38,11 @@ public:
     // Limit and watch together; always true.
     bool SetLimited(bool flag);
 
+    // The position of the oldest data still wanted, as the header has it.
     std::uint64_t GetHead() const { return header.head; }
-    // Moves the head and with it the mark; always true.
+    // Moves the head and with it the mark, and notes it for the header; always true.
     bool SetHead(std::uint64_t pos);
+    // The maximum that the header tells, in bytes.
     std::uint64_t GetHeaderMaxSize() const { return header.maxSize; }
     // Sets the maximum and notes it for the header. False, with nothing changed, where SetMaxSize
     // refuses.
@@ -50,6 +52,7 @@ protected:
     // Cuts a file that has outgrown a lowered maximum, and goes to kRingDataStart.
     void OnLimit() override;
     void OnMark() override;
+    // The head is now at pos.
     virtual void MoveMark(std::uint64_t pos);
     // The next write would cover the head. Leaves the position where it found it. May refuse the
     // write, see RefuseWrite.
