@@ -91,7 +91,10 @@ Stored ReadRecords(const std::string& path) {
 
 class Recorder : public ::testing::Test {
 protected:
-    Recorder() { EXPECT_TRUE(pool.Init(1000, 2)); }
+    Recorder() {
+        EXPECT_TRUE(pool.Init(1000, 2));
+        recorder.SetTroubleHandler([this](RecordTrouble trouble) { heard.push_back(trouble); });
+    }
 
     void Deliver(bool stamped) {
         FramePtr frame = pool.Acquire();
@@ -109,6 +112,7 @@ protected:
     FramePool pool;
     PassingReceiver pane;
     ChannelRecorder recorder;
+    std::vector<RecordTrouble> heard;
 };
 
 TEST_F(Recorder, HoldsItsFileCountsEveryFrameAndWritesStampedOnesWhileRecording) {
@@ -140,13 +144,10 @@ TEST_F(Recorder, HoldsItsFileCountsEveryFrameAndWritesStampedOnesWhileRecording)
 }
 
 TEST_F(Recorder, AFailedOpenSaysWhyHoldsNothingAndTouchesNoRecording) {
-    std::vector<RecordTrouble> heard;
-    recorder.SetTroubleHandler([&heard](RecordTrouble trouble) { heard.push_back(trouble); });
     ASSERT_TRUE(recorder.Open(&channel, &pane, &owner));
     recorder.SetRecording(true);
     Deliver(true);
     recorder.Close(CloseFlag::Ordered);
-    EXPECT_TRUE(heard.empty());
     const std::string before = test::ReadWholeFile(kPath);
     FileHandle holder;
     ASSERT_TRUE(holder.OpenShared(kPath));
@@ -173,14 +174,19 @@ TEST_F(Recorder, AFailedOpenSaysWhyHoldsNothingAndTouchesNoRecording) {
     EXPECT_EQ(test::ReadWholeFile(kPath), before);
     holder.Close();
     channel = MakeChannel(0);
-    EXPECT_TRUE(recorder.Open(&channel, &pane, &owner));
+    ASSERT_TRUE(recorder.Open(&channel, &pane, &owner));
+    EXPECT_TRUE(pane.IsWired());
+    recorder.Connect();
+    EXPECT_TRUE(pane.IsActive());
+    recorder.Close(CloseFlag::Ordered);
+    EXPECT_FALSE(pane.IsWired() || pane.IsActive() || recorder.TakeNext() != nullptr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(owner.events, 0);
     EXPECT_EQ(heard, (std::vector{RecordTrouble::InUse, RecordTrouble::BadMaximum,
                                   RecordTrouble::CannotOpen, RecordTrouble::None}));
 }
 
 TEST_F(Recorder, SaysWhenADiskIsFullAndWhenThereIsRoomAgain) {
-    std::vector<RecordTrouble> heard;
-    recorder.SetTroubleHandler([&heard](RecordTrouble trouble) { heard.push_back(trouble); });
     rlimit unlimited{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
     const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
@@ -206,18 +212,6 @@ TEST_F(Recorder, SaysWhenADiskIsFullAndWhenThereIsRoomAgain) {
     EXPECT_EQ(Records(), 3U);
     Deliver(true);  // recording is still switched on
     std::signal(SIGXFSZ, signalBefore);
-}
-
-TEST_F(Recorder, LinksTheChainAndUnlinksAllOfIt) {
-    ASSERT_TRUE(recorder.Open(&channel, &pane, &owner));
-    EXPECT_TRUE(pane.IsWired());
-    recorder.Connect();
-    EXPECT_TRUE(pane.IsActive());
-    recorder.Close(CloseFlag::Ordered);
-    EXPECT_FALSE(pane.IsWired() || pane.IsActive());
-    EXPECT_EQ(recorder.TakeNext(), nullptr);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(owner.events, 0);
 }
 
 // All sixteen channels at once, from the socket to the disk. Pictures are as large as a camera's
