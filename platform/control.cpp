@@ -16,12 +16,8 @@ int CStatic::GetDlgCtrlID() const {
     return ControlId(*this);
 }
 
-CWnd* CStatic::GetParentWnd() const {
-    return FindDialog();
-}
-
 // Group boxes may stand between a control and its dialog.
-CDialog* CStatic::FindDialog() const {
+CWnd* CStatic::GetParentWnd() const {
     for (QWidget* ancestor = parentWidget(); ancestor; ancestor = ancestor->parentWidget()) {
         if (auto* dialog = qobject_cast<CDialog*>(ancestor)) return dialog;
     }
@@ -47,20 +43,12 @@ void CStatic::NotifyAccessibleState(QAccessible::State changed) {
     QAccessible::updateAccessibility(&event);
 }
 
-void CStatic::NotifyParent(std::uint32_t code) {
-    if (CDialog* dialog = FindDialog()) dialog->SendCommand(*this, code);
-}
-
 void CStatic::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
-    Press();
-    NotifyParent(STN_CLICKED);
+    if (event->button() == Qt::LeftButton) Press();
 }
 
 void CStatic::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
-    Q_EMIT doubleClicked();
-    NotifyParent(STN_DBLCLK);
+    if (event->button() == Qt::LeftButton) Q_EMIT doubleClicked();
 }
 
 }  // namespace marvolen

@@ -47,18 +47,12 @@ Q_SIGNALS:
     void doubleClicked();
 
 protected:
-    // Tells the dialog: WM_COMMAND with this control's id and code, handled before this returns.
-    void NotifyParent(std::uint32_t code);
-
     // Tells assistive tools that what AddAccessibleState says has changed: the states set in
     // changed.
     void NotifyAccessibleState(QAccessible::State changed);
 
     void mousePressEvent(QMouseEvent* event) override;        // left button: clicked
     void mouseDoubleClickEvent(QMouseEvent* event) override;  // left button: doubleClicked
-
-private:
-    CDialog* FindDialog() const;
 };
 
 }  // namespace marvolen

@@ -74,10 +74,6 @@ void CDialog::EndDialog(int result) {
 void CDialog::AddControl(QWidget* control, int id, const QString& accessibleName) {
     control->setObjectName(QString::number(id));
     control->setAccessibleName(accessibleName);
-    if (auto* button = qobject_cast<QAbstractButton*>(control)) {
-        connect(button, &QAbstractButton::clicked, this,
-                [this, button] { SendCommand(*button, BN_CLICKED); });
-    }
 }
 
 QWidget* CDialog::GetDlgItem(int id) const {
@@ -87,10 +83,6 @@ QWidget* CDialog::GetDlgItem(int id) const {
 QSize CDialog::MapDialogUnits(QSize units) const {
     const QFontMetrics metrics(font());
     return {units.width() * metrics.averageCharWidth() / 4, units.height() * metrics.height() / 8};
-}
-
-void CDialog::SendCommand(QWidget& control, std::uint32_t code) {
-    OnCommand(MakeCommand(ControlId(control), code), reinterpret_cast<LPARAM>(&control));
 }
 
 void CDialog::MessageBox(const QString& text) {
@@ -123,9 +115,7 @@ void CDialog::ShowSystemMenu(const QPoint& globalPosition) {
     }
     const QAction* chosen = menu.exec(globalPosition);
     const int command = chosen ? chosen->data().toInt() & ~0xF : 0;
-    if (command == 0) return;
-    Q_EMIT systemCommand(command);
-    OnSysCommand(command);
+    if (command != 0) Q_EMIT systemCommand(command);
 }
 
 void CDialog::contextMenuEvent(QContextMenuEvent* event) {
@@ -147,14 +137,12 @@ void CDialog::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void CDialog::OnSysCommand(int) {}
-
 void CDialog::accept() {
-    OnCommand(MakeCommand(IDOK, BN_CLICKED), 0);
+    OnOK();
 }
 
 void CDialog::reject() {
-    OnCommand(MakeCommand(IDCANCEL, BN_CLICKED), 0);
+    OnCancel();
 }
 
 void CDialog::OnInitDialog() {}
@@ -168,18 +156,6 @@ void CDialog::OnCancel() {
 }
 
 void CDialog::OnModalEnd(int) {}
-
-void CDialog::OnCommand(WPARAM wParam, LPARAM) {
-    const int id = CommandId(wParam);
-    if (CommandCode(wParam) != BN_CLICKED) return;
-    if (id == IDOK) OnOK();
-    if (id == IDCANCEL) OnCancel();
-}
-
-void CDialog::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_COMMAND) OnCommand(wParam, lParam);
-    if (message == WM_SYSCOMMAND) OnSysCommand(static_cast<int>(wParam & ~WPARAM{0xF}));
-}
 
 void ShowMessageBox(QWidget* parent, const QString& title, const QString& text) {
     QMessageBox box(QMessageBox::NoIcon, title, text, QMessageBox::Ok, parent);

@@ -2,9 +2,8 @@
 
 // Dialogs: windows of controls that are known by their ids. Interface thread only.
 //
-// A control's notifications reach its dialog as commands: WM_COMMAND with the control's id in the
-// low half of wParam and the notification code in the high half (messages.h). Every control carries
-// its id as object name ("1000") and an accessible name, for tests, automation and assistive tools.
+// What a control does is told by the toolkit's signals. Every control carries its id as object name
+// ("1000") and an accessible name, for tests, automation and assistive tools.
 
 #include "platform/window.h"
 
@@ -44,8 +43,7 @@ public:
     // Ends a modal run with this result, or hides a modeless dialog.
     void EndDialog(int result);
 
-    // Gives a descendant its id and accessible name and routes its notifications to OnCommand:
-    // buttons report BN_CLICKED.
+    // Gives a descendant its id and accessible name.
     void AddControl(QWidget* control, int id, const QString& accessibleName);
 
     // The control of this id, null when there is none (or, with a type, when it is of another).
@@ -60,14 +58,11 @@ public:
     // width, and an eighth of its height.
     QSize MapDialogUnits(QSize units) const;
 
-    // Handles a control's notification now. lParam of the command is the control.
-    void SendCommand(QWidget& control, std::uint32_t code);
-
     // A modal box with this text, the window's title and an OK button.
     void MessageBox(const QString& text);
 
     // The window's own menu, which a right click on the window opens: the usual window commands and
-    // what is appended here. A chosen item's command goes to OnSysCommand.
+    // what is appended here. A chosen item's command comes as systemCommand.
     void AppendSystemMenu(int command, const QString& text);
     void AppendSystemMenuSeparator();
 
@@ -91,15 +86,6 @@ protected:
     // A modal run ends with this result: the last thing before DoModal returns to its caller. The
     // base does nothing.
     virtual void OnModalEnd(int result);
-
-    // A command. The base ends the dialog on IDOK and IDCANCEL with that id.
-    virtual void OnCommand(WPARAM wParam, LPARAM lParam);
-
-    // A command of the window's menu. The base knows none.
-    virtual void OnSysCommand(int command);
-
-    // Posted WM_COMMAND and WM_SYSCOMMAND messages are commands too.
-    void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override;
 
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;  // Enter on a focused button is a click

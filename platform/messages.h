@@ -12,8 +12,6 @@ using LPARAM = std::intptr_t;
 
 // WM_QUIT isn't among them: ThreadQueue::Quit (thread_queue.h) stands for it, which a full queue
 // can't refuse.
-inline constexpr std::uint32_t WM_COMMAND = 0x111;     // wParam: id | notification code << 16
-inline constexpr std::uint32_t WM_SYSCOMMAND = 0x112;  // wParam: command, its low four bits unused
 inline constexpr std::uint32_t WM_USER = 0x400;
 
 // Pane, main window, control panel -> main window. wParam: pane whose pop-up to show, -1 hides all.
@@ -27,21 +25,5 @@ inline constexpr std::uint32_t WM_PANETHREADEXIT = WM_USER + 201;
 
 static_assert(WM_POPUPPANE == 0x401 && WM_NETEVENT == 0x464);
 static_assert(WM_PANEPICTURE == 0x4C8 && WM_PANETHREADEXIT == 0x4C9);
-
-// Notification codes in the high half of WM_COMMAND's wParam.
-inline constexpr std::uint32_t BN_CLICKED = 0;
-inline constexpr std::uint32_t STN_CLICKED = 0;
-inline constexpr std::uint32_t STN_DBLCLK = 5;
-
-inline constexpr WPARAM MakeCommand(int id, std::uint32_t code) {
-    return static_cast<WPARAM>(static_cast<std::uint32_t>(id) & 0xFFFF) | static_cast<WPARAM>(code)
-                                                                              << 16;
-}
-inline constexpr int CommandId(WPARAM wParam) {
-    return static_cast<int>(wParam & 0xFFFF);
-}
-inline constexpr std::uint32_t CommandCode(WPARAM wParam) {
-    return static_cast<std::uint32_t>(wParam >> 16) & 0xFFFF;
-}
 
 }  // namespace marvolen

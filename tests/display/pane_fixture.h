@@ -24,14 +24,10 @@ public:
         LPARAM lParam = 0;
         bool operator==(const Message&) const = default;
     };
-    std::vector<Message> commands;
     std::vector<Message> messages;
     int mouseMoves = 0;
 
 protected:
-    void OnCommand(WPARAM wParam, LPARAM lParam) override {
-        commands.push_back({WM_COMMAND, wParam, lParam});
-    }
     void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override {
         messages.push_back({message, wParam, lParam});
     }
