@@ -1,5 +1,7 @@
 #include "platform/list_control.h"
 
+#include "tests/support/event_loop.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QHelpEvent>
@@ -80,17 +82,19 @@ TEST_F(ListControl, TheSelectionStaysWithItsRowAndIsCopied) {
     EXPECT_EQ(list.GetSelectedItem(), -1);
 }
 
-TEST_F(ListControl, TextsThatAreCutShowAsToolTipsLiterally) {
+TEST_F(ListControl, ARowWithACutTextShowsWholeAndLiterallyAsAToolTip) {
     Add(3);
     const auto hover = [this](const QPoint& point) {
         QHelpEvent help(QEvent::ToolTip, point, list.viewport()->mapToGlobal(point));
         QCoreApplication::sendEvent(list.viewport(), &help);
     };
-    hover(Cell(0, 1).center());
-    EXPECT_TRUE(QToolTip::text().contains(QStringLiteral("&lt;b&gt;text &amp; more")));
-    hover(Cell(0, 0).center());  // shown in full
-    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+    hover(Cell(2, 0).center());
+    EXPECT_TRUE(QToolTip::text().contains(QStringLiteral("2  &lt;b&gt;text &amp; more")));
     hover({5, list.viewport()->height() - 2});  // below the rows
+    EXPECT_TRUE(test::WaitUntil([] { return !QToolTip::isVisible(); }));
+    list.resize(500, 150);
+    list.setColumnWidth(1, 400);
+    hover(Cell(2, 1).center());  // shown in full
     EXPECT_FALSE(QToolTip::isVisible());
 }
 
