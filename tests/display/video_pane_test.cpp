@@ -10,7 +10,6 @@ namespace {
 using namespace test;
 
 constexpr SYSTEMTIME kQuarterPast{2004, 2, 0, 29, 8, 15, 0, 0};
-constexpr SYSTEMTIME kEarlier{2004, 2, 0, 29, 8, 14, 59, 0};
 
 class VideoPaneTest : public PaneTest {};
 
