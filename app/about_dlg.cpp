@@ -26,6 +26,7 @@ CAboutDlg::CAboutDlg(QWidget* parent) : CDialog(parent) {
     auto* closeButton = new QPushButton(QStringLiteral("Close"), this);
     closeButton->setDefault(true);
     AddControl(closeButton, IDOK, QStringLiteral("Close"));
+    connect(closeButton, &QPushButton::clicked, this, &QDialog::accept);
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(4);
