@@ -9,12 +9,12 @@
 
 namespace marvolen {
 
-int DecodeJpegFrame(DibImage& picture, const std::uint8_t* bytes, std::size_t count) {
-    return picture.DecodeJpeg(bytes, count);
+bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg) {
+    return picture.DecodeJpeg(jpeg.data(), jpeg.size()) == 1;
 }
 
-DrawingThread::DrawingThread(Events threadEvents, DecodeFunction decodeFunction)
-    : events(std::move(threadEvents)), decode(std::move(decodeFunction)) {
+DrawingThread::DrawingThread(std::function<void()> imageFunction, DecodeFunction decodeFunction)
+    : imageFinished(std::move(imageFunction)), decode(std::move(decodeFunction)) {
     try {
         drawThread = std::thread([this] { Run(); });
     } catch (const std::system_error&) {
@@ -29,27 +29,27 @@ DrawingThread::~DrawingThread() {
 
 void DrawingThread::BeginEnd() {
     {
-        const std::lock_guard guard(lock);
+        const MutexLock guard(lock);
         DropPictures();
         opened = false;
         ending = true;
     }
-    queue.Quit();
+    wake.notify_one();
     if (drawThread.joinable()) HastenThread(drawThread);
 }
 
 bool DrawingThread::Open() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     DropPictures();
     opened = false;
     if (!drawThread.joinable() || ending) return false;
-    if (!drawDib) drawDib.reset(new (std::nothrow) Stretcher);
-    opened = drawDib != nullptr;
+    if (!stretcher) stretcher.reset(new (std::nothrow) Stretcher);
+    opened = stretcher != nullptr;
     return opened;
 }
 
 void DrawingThread::Close() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     DropPictures();
     opened = false;
     releaseDue = true;
@@ -63,17 +63,17 @@ void DrawingThread::DropPictures() {
     imageValid = false;
 }
 
-// With lock held, by whoever finds that the thread isn't using them any more.
+// Called by whoever finds that the thread isn't using them any more.
 void DrawingThread::Release() {
     if (!std::exchange(releaseDue, false)) return;
     picture.Reset();
     picture.InitHeader();
-    if (!opened) drawDib.reset();
+    if (!opened) stretcher.reset();
 }
 
 bool DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
-    const std::lock_guard guard(lock);
-    if (busy != 0 || !drawThread.joinable()) return false;
+    const MutexLock guard(lock);
+    if (busy || ending || !drawThread.joinable()) return false;
     if (jpeg.size() > pictureBuffer.size()) {
         try {
             pictureBuffer.clear();
@@ -89,14 +89,14 @@ bool DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
         pictureBuffer[jpeg.size()] = 0xFF;
         pictureBuffer[jpeg.size() + 1] = 0xD9;
     }
-    if (!queue.Post({WM_PANEPICTURE})) return false;
     queuedGeneration = generation;
-    busy = 1;
+    busy = waiting = true;
+    wake.notify_one();
     return true;
 }
 
 bool DrawingThread::SetView(const PaneView& newView) {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     if (view == newView) return false;
     view = newView;
     imageValid = false;
@@ -104,51 +104,57 @@ bool DrawingThread::SetView(const PaneView& newView) {
 }
 
 bool DrawingThread::AcceptImage() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     notified = false;
     return std::exchange(imageNew, false) && imageValid;
 }
 
 void DrawingThread::Run() {
     SetThreadPriority(ThreadPriority::Idle);
-    ThreadMessage message;
-    while (queue.Wait(message)) {
-        if (message.message == WM_PANEPICTURE) DrawPicture();
+    while (WaitForPicture()) {
+        Work work;
+        PaneView target;
+        if (BeginPicture(work) && decode(*work.picture, work.jpeg) &&
+            StretchPicture(work, target) && PublishImage(target)) {
+            imageFinished();
+        }
+        EndPicture();
     }
-    events.exited();
 }
 
-void DrawingThread::DrawPicture() {
-    PaneView target;
-    if (BeginPicture() && decode(picture, pictureBuffer.data(), pictureBuffer.size()) == 1 &&
-        StretchPicture(target) && PublishImage(target)) {
-        events.imageFinished();
-    }
-    EndPicture();
+// Waits for a picture that nobody has begun with. False at the thread's end.
+bool DrawingThread::WaitForPicture() {
+    MutexLock guard(lock);
+    while (!waiting && !ending) wake.wait(guard);
+    waiting = false;
+    return !ending;
 }
 
-bool DrawingThread::BeginPicture() {
-    const std::lock_guard guard(lock);
+// Lends out what the picture is drawn with; false when nobody wants to see it.
+bool DrawingThread::BeginPicture(Work& work) {
+    const MutexLock guard(lock);
     decoding = view.shown && opened && queuedGeneration == generation;
+    work = {pictureBuffer, &picture, stretcher.get()};
     return decoding;
 }
 
 // Stretches the picture to the view as it is now, which is put into target.
-bool DrawingThread::StretchPicture(PaneView& target) {
+bool DrawingThread::StretchPicture(const Work& work, PaneView& target) {
     {
-        const std::lock_guard guard(lock);
+        const MutexLock guard(lock);
         target = view;
     }
     if (!stretched.Resize(target.width, target.height)) return false;
-    return drawDib->Stretch(
-        {picture.GetPixels(), picture.Width(), picture.Height(), picture.Stride()}, stretched);
+    const DibImage& decoded = *work.picture;
+    return work.stretcher->Stretch(
+        {decoded.GetPixels(), decoded.Width(), decoded.Height(), decoded.Stride()}, stretched);
 }
 
 // Makes the stretched picture the current image unless the pane has become another meanwhile.
 // Returns whether the interface thread must be told: it need not when it hasn't yet accepted the
 // image before.
 bool DrawingThread::PublishImage(const PaneView& target) {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     if (!view.shown || target != view || queuedGeneration != generation) return false;
     std::swap(image, stretched);
     imageValid = true;
@@ -157,10 +163,10 @@ bool DrawingThread::PublishImage(const PaneView& target) {
 }
 
 void DrawingThread::EndPicture() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     decoding = false;
     Release();
-    busy = 0;
+    busy = false;
 }
 
 }  // namespace marvolen

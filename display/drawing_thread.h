@@ -15,12 +15,12 @@
 
 #include "display/stretch.h"
 #include "jpeg/dib_image.h"
-#include "platform/thread_queue.h"
+#include "platform/thread_annotations.h"
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <span>
 #include <thread>
 #include <vector>
@@ -36,26 +36,22 @@ struct PaneView {
     bool operator==(const PaneView&) const = default;
 };
 
-// Fills the picture from the frame's bytes: 1 when there is a picture to draw. Called on the
-// drawing thread.
-using DecodeFunction =
-    std::function<int(DibImage& picture, const std::uint8_t* bytes, std::size_t count)>;
+// Fills the picture from a frame's bytes, which begin with its JPEG data. Returns whether there is
+// a picture to draw.
+using DecodeFunction = std::function<bool(DibImage& picture, std::span<const std::uint8_t> jpeg)>;
 
-// DibImage::DecodeJpeg.
-int DecodeJpegFrame(DibImage& picture, const std::uint8_t* bytes, std::size_t count);
+// DibImage::DecodeJpeg as a DecodeFunction.
+bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg);
 
 class DrawingThread {
 public:
-    // Both are called on the drawing thread and must not call back into this object.
-    struct Events {
-        std::function<void()> imageFinished;  // there is an image for AcceptImage
-        std::function<void()> exited;         // the thread has left its loop; its last call
-    };
-
     // All operations are the interface thread's.
 
-    // Starts the thread. decode is called for each picture; it may be slow but must return.
-    explicit DrawingThread(Events events, DecodeFunction decode = DecodeJpegFrame);
+    // Starts the thread. Both functions are called on it and must not call back into this object:
+    // imageFinished when there is an image for AcceptImage, once until that is called; decode for
+    // each picture, and it may be slow but must return.
+    explicit DrawingThread(std::function<void()> imageFinished,
+                           DecodeFunction decode = DecodeJpegFrame);
 
     // Ends the thread after the decode in progress, if any, and waits for it.
     ~DrawingThread();
@@ -87,55 +83,66 @@ public:
     // Whether an image has come since the last call and is still current.
     bool AcceptImage();
 
-    // Calls draw with the current image, if there is one, while the thread can't replace it.
-    // Returns whether it did. draw must not call back into this object.
+    // Calls draw with the current image, if there is one, while the thread can't replace it. draw
+    // must not call back into this object.
     template <typename Draw>
-    bool DrawImage(Draw&& draw) {
-        const std::lock_guard guard(lock);
-        if (!imageValid) return false;
-        draw(static_cast<const ScreenImage&>(image));
-        return true;
+    void DrawImage(Draw&& draw) {
+        const MutexLock guard(lock);
+        if (imageValid) draw(static_cast<const ScreenImage&>(image));
     }
 
 private:
+    // What the thread uses without the lock between BeginPicture and EndPicture. Borrowed.
+    struct Work {
+        std::span<const std::uint8_t> jpeg;
+        DibImage* picture = nullptr;
+        Stretcher* stretcher = nullptr;
+    };
+
+    // The drawing thread's.
     void Run();
-    void DrawPicture();
-    bool BeginPicture();
-    bool StretchPicture(PaneView& target);
+    bool WaitForPicture();
+    bool BeginPicture(Work& work);
+    bool StretchPicture(const Work& work, PaneView& target);
     bool PublishImage(const PaneView& target);
     void EndPicture();
-    void DropPictures();
-    void Release();
+
+    void DropPictures() REQUIRES(lock);
+    void Release() REQUIRES(lock);
 
     // Constant after construction.
-    const Events events;
+    const std::function<void()> imageFinished;
     const DecodeFunction decode;
-
-    // The drawing thread's while it is decoding, else the interface thread's.
-    std::unique_ptr<Stretcher> drawDib;  // what stretches the picture; none while closed
-    DibImage picture;                    // the last decoded picture
 
     // The drawing thread's alone: the image being made.
     ScreenImage stretched;
 
-    ThreadQueue queue;
+    std::condition_variable_any wake;  // a picture waits, or the thread's end has begun
 
-    std::mutex lock;
-    // Guarded by lock. pictureBuffer is written by the interface thread only while busy is 0 and
-    // read by the drawing thread only while it is 1, without the lock.
-    std::int32_t busy = 0;  // 1 from the hand-over of a picture until the thread is done with it
-    std::vector<std::uint8_t> pictureBuffer;  // the newest JPEG picture; grows by whole kilobytes
-    bool ending = false;                      // BeginEnd was called
-    bool opened = false;                      // between Open and Close
-    bool decoding = false;                    // the thread is using picture and drawDib
-    bool releaseDue = false;                  // Close came meanwhile: the thread releases them
-    std::uint32_t generation = 0;             // counts Open and Close
-    std::uint32_t queuedGeneration = 0;       // generation at the hand-over of the picture
-    PaneView view;
-    ScreenImage image;        // the current image
-    bool imageValid = false;  // image may be shown
-    bool imageNew = false;    // AcceptImage hasn't seen it
-    bool notified = false;    // imageFinished was called and AcceptImage not since
+    Mutex lock;
+    bool busy GUARDED_BY(lock) = false;     // from a picture's hand-over until the thread is done
+    bool waiting GUARDED_BY(lock) = false;  // the thread hasn't begun with that picture
+    bool ending GUARDED_BY(lock) = false;   // BeginEnd was called
+    bool opened GUARDED_BY(lock) = false;   // between Open and Close
+
+    // The newest JPEG picture. Written only while the thread isn't busy; the thread reads it
+    // without the lock. Grows by whole kilobytes.
+    std::vector<std::uint8_t> pictureBuffer GUARDED_BY(lock);
+
+    // Used by the thread without the lock while it is decoding. The stretcher is null while closed.
+    bool decoding GUARDED_BY(lock) = false;
+    bool releaseDue GUARDED_BY(lock) = false;  // Close came meanwhile: the thread releases both
+    DibImage picture GUARDED_BY(lock);         // the last decoded picture
+    std::unique_ptr<Stretcher> stretcher GUARDED_BY(lock);
+
+    std::uint32_t generation GUARDED_BY(lock) = 0;        // counts Open and Close
+    std::uint32_t queuedGeneration GUARDED_BY(lock) = 0;  // generation at the picture's hand-over
+    PaneView view GUARDED_BY(lock);
+
+    ScreenImage image GUARDED_BY(lock);        // the current image
+    bool imageValid GUARDED_BY(lock) = false;  // it may be shown
+    bool imageNew GUARDED_BY(lock) = false;    // AcceptImage hasn't seen it
+    bool notified GUARDED_BY(lock) = false;    // imageFinished was called, AcceptImage not since
 
     std::thread drawThread;  // last: it uses everything above
 };

@@ -32,9 +32,7 @@ VideoPane::VideoPane(QWidget* parent, DecodeFunction decode)
     : CStatic(parent),
       stripFont(StripFont(font())),
       marks(StatusMarks::Shared()),
-      drawThread({[this] { PostMessage(WM_PANEIMAGE, 0, 0); },
-                  [this] { PostMessage(WM_PANETHREADEXIT, 0, 0); }},
-                 std::move(decode)) {
+      drawThread([this] { PostMessage(WM_PANEIMAGE, 0, 0); }, std::move(decode)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);  // a pane is selected by its window, which then gives it the focus
     setMouseTracking(true);

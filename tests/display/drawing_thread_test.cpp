@@ -1,7 +1,9 @@
 #include "display/drawing_thread.h"
 
+#include "platform/thread_priority.h"
 #include "tests/display/gated_decoder.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -10,200 +12,150 @@ namespace {
 
 using namespace test;
 
+constexpr PaneView kView{true, 20, 10};
+
 class DrawingThreadTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        Make(decoder.Function());
-        thread->SetView({true, 20, 10});
+        thread.emplace([this] { ++images; }, decoder.Function());
+        thread->SetView(kView);
         ASSERT_TRUE(thread->Open());
     }
+    void TearDown() override { decoder.Release(); }
 
-    void Make(DecodeFunction function) {
-        thread.emplace(DrawingThread::Events{[this] { Count(images); }, [this] { Count(exits); }},
-                       std::move(function));
-    }
-
-    void Count(int& counter) {
-        const std::lock_guard guard(mutex);
-        ++counter;
-        changed.notify_all();
-    }
-    int Images() {
-        const std::lock_guard guard(mutex);
-        return images;
-    }
-    bool WaitForImages(int count) {
-        std::unique_lock guard(mutex);
-        return changed.wait_for(guard, std::chrono::milliseconds(kPatience),
-                                [&] { return images >= count; });
-    }
-
-    // Offers a picture until the thread is free to take it.
+    // Offers a picture until the thread is free to take it: what came before is over then.
     void Queue(const Bytes& jpeg) {
-        while (!thread->QueuePicture(jpeg)) std::this_thread::yield();
+        ASSERT_TRUE(WaitUntil([&] { return thread->QueuePicture(jpeg); }));
     }
-    // Offers pictures until one is taken: everything before it is over then.
     void WaitUntilFree() { Queue({}); }
 
-    // The colour of the current image, black for none.
-    QColor Shown() {
-        QColor colour = Qt::black;
-        thread->DrawImage([&](const ScreenImage& image) { colour = image.pixels.at(0); });
-        return colour;
+    // Hands a picture over and returns in the middle of its decode.
+    void BeginDecoding(const Bytes& jpeg) {
+        decoder.Hold(jpeg);
+        Queue(jpeg);
+        ASSERT_TRUE(WaitUntil([&] { return decoder.Begun(jpeg) > 0; }));
     }
 
-    const Bytes red = PlainJpeg(Qt::red);
-    const Bytes green = PlainJpeg(Qt::green);
+    // The colour and width of the current image, black and 0 for none.
+    std::pair<QColor, int> Shown() {
+        std::pair<QColor, int> shown(Qt::black, 0);
+        thread->DrawImage([&](const ScreenImage& image) {
+            for (const QColor colour : {Qt::red, Qt::green, Qt::blue}) {
+                if (Resembles(image.pixels.at(0), colour)) shown = {colour, image.width};
+            }
+        });
+        return shown;
+    }
 
-    std::mutex mutex;
-    std::condition_variable changed;
-    int images = 0;  // guarded by mutex
-    int exits = 0;   // guarded by mutex
+    const std::pair<QColor, int> nothing{Qt::black, 0};
+    const Bytes red = PlainJpeg(Qt::red);
+    const Bytes blue = PlainJpeg(Qt::blue);
+
+    std::atomic<int> images = 0;
     GatedDecoder decoder;
     std::optional<DrawingThread> thread;
 };
 
 TEST_F(DrawingThreadTest, DecodesTheWholeBufferWhichGrowsByKilobytesAndNeverShrinks) {
-    const struct {
-        std::size_t length;
-        std::size_t decoded;
-    } steps[] = {{5, 1024}, {1023, 1024}, {1024, 1024}, {1025, 2048}, {2048, 2048}, {10, 2048}};
-    int count = 0;
-    for (const auto& step : steps) {
-        Bytes bytes(step.length);
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            bytes[i] = static_cast<std::uint8_t>(i * 7 + step.length);
-        }
+    const std::pair<std::size_t, std::size_t> steps[] = {{5, 1024},    {1023, 1024}, {1024, 1024},
+                                                         {1025, 2048}, {2048, 2048}, {10, 2048}};
+    for (const auto& [length, decoded] : steps) {
+        Bytes bytes(length, static_cast<std::uint8_t>(length / 4));
         Queue(bytes);
-        ASSERT_TRUE(decoder.WaitForEnds(++count));
-        const Bytes received = decoder.Received();
-        ASSERT_EQ(received.size(), step.decoded);
-        EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), received.begin()));
-        if (step.length + 2 <= step.decoded) {
-            EXPECT_EQ(received[step.length], 0xFF);
-            EXPECT_EQ(received[step.length + 1], 0xD9);
-        }
+        if (length + 2 <= decoded) bytes.insert(bytes.end(), {0xFF, 0xD9});
+        ASSERT_TRUE(WaitUntil([&] { return decoder.Begun(bytes) == 1; })) << length;
+        EXPECT_EQ(decoder.Decodes().back().buffer.size(), decoded);
     }
 }
 
-TEST_F(DrawingThreadTest, SkipsWhatComesWhileItDecodes) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    EXPECT_FALSE(thread->QueuePicture(green));
+TEST_F(DrawingThreadTest, SkipsWhatComesWhileItDecodesAndKeepsTheLastGoodPicture) {
+    BeginDecoding(red);
+    EXPECT_FALSE(thread->QueuePicture(blue));
     decoder.Release();
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::red));
-    const Bytes blue = PlainJpeg(Qt::blue);
-    Queue(blue);
-    ASSERT_TRUE(decoder.WaitForEnds(2));
-    const Bytes second = decoder.Received();
-    EXPECT_TRUE(std::equal(blue.begin(), blue.end(), second.begin()));
-}
-
-TEST_F(DrawingThreadTest, ReportsOnceUntilAcceptedAndShowsTheNewest) {
-    Queue(red);
-    Queue(green);
+    WaitUntilFree();  // with bytes that are no picture
     WaitUntilFree();
-    EXPECT_EQ(Images(), 1);
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::green));
+    EXPECT_FALSE(thread->SetView(kView));
+    EXPECT_EQ(Shown(), std::pair(QColor(Qt::red), 20));
+    Queue(blue);
+    WaitUntilFree();
+    EXPECT_EQ(Shown(), std::pair(QColor(Qt::blue), 20));
+    EXPECT_EQ(images, 1) << "told again before the first was accepted";
     EXPECT_TRUE(thread->AcceptImage());
     EXPECT_FALSE(thread->AcceptImage());
     Queue(red);
-    EXPECT_TRUE(WaitForImages(2));
+    EXPECT_TRUE(WaitUntil([this] { return images == 2; }));
 }
 
-TEST_F(DrawingThreadTest, DecodesNothingWhileNotShown) {
-    thread->SetView({false, 20, 10});
-    Queue(red);
-    WaitUntilFree();
-    WaitUntilFree();
-    EXPECT_EQ(decoder.Starts(), 0);
-    EXPECT_EQ(Images(), 0);
-    thread->SetView({true, 20, 10});
-    Queue(green);
-    EXPECT_TRUE(WaitForImages(1));
-}
-
-TEST_F(DrawingThreadTest, AnotherViewDropsTheImage) {
-    Queue(red);
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_FALSE(thread->SetView({true, 20, 10}));
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::red));
-    EXPECT_TRUE(thread->SetView({true, 21, 10}));
-    EXPECT_TRUE(thread->SetView({true, 20, 10}));
-    EXPECT_FALSE(thread->AcceptImage());
-    EXPECT_EQ(Shown(), QColor(Qt::black));
-}
-
-TEST_F(DrawingThreadTest, APictureDecodedAcrossAResizeFitsTheNewSize) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    thread->SetView({true, 30, 7});
-    decoder.Release();
-    ASSERT_TRUE(WaitForImages(1));
-    EXPECT_TRUE(thread->DrawImage(
-        [](const ScreenImage& image) { EXPECT_EQ(image.pixels.size(), 30U * 7U); }));
-}
-
-TEST_F(DrawingThreadTest, CloseDoesNotWaitForTheDecodeInProgressButDropsItsPicture) {
-    Queue(red);
-    ASSERT_TRUE(WaitForImages(1));
-    decoder.Hold();
-    Queue(green);
-    ASSERT_TRUE(decoder.WaitForStarts(2));
-    thread->Close();  // would never return if it waited
-    decoder.Release();
-    WaitUntilFree();
-    EXPECT_EQ(decoder.Ends(), 2);
-    EXPECT_FALSE(thread->AcceptImage());
-    EXPECT_EQ(Shown(), QColor(Qt::black));
-
-    Queue(green);  // taken, but a closed pane decodes nothing
-    WaitUntilFree();
-    WaitUntilFree();
-    EXPECT_EQ(decoder.Starts(), 2);
-
-    ASSERT_TRUE(thread->Open());
-    EXPECT_EQ(Shown(), QColor(Qt::black));
-    Queue(red);
-    WaitUntilFree();
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::red));
-}
-
-TEST_F(DrawingThreadTest, WhatIsClosedAndOpenedDuringADecodeDrawsTheNextPicture) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    thread->Close();
-    ASSERT_TRUE(thread->Open());
-    decoder.Release();
-    WaitUntilFree();
-    Queue(green);
-    WaitUntilFree();
-    EXPECT_TRUE(Resembles(Shown().rgb(), Qt::green));
-}
-
-TEST_F(DrawingThreadTest, NoPictureOfTheTimeBeforeCloseIsEverShown) {
-    for (int round = 0; round < 300; ++round) {
-        for (int k = 0; k <= round % 3; ++k) thread->QueuePicture(red);
-        thread->Close();
+// No change waits for the decode, or it would never return.
+TEST_F(DrawingThreadTest, ChangesInTheMiddleOfADecode) {
+    const struct {
+        const char* name;
+        std::function<void()> change;
+        int late;      // width of the image that the picture becomes, 0 when it is dropped
+        bool draws;    // further pictures
+        int replaced;  // width of the picture that the next one takes the place of
+    } cases[] = {
+        {"resize",
+         [this] {
+             thread->SetView({true, 30, 7});
+         },
+         30, true, 32},
+        {"hide",
+         [this] {
+             thread->SetView({false, 20, 10});
+         },
+         0, false, 0},
+        {"Open", [this] { thread->Open(); }, 0, true, 32},
+        {"Close", [this] { thread->Close(); }, 0, false, 0},
+        {"Close and Open", [this] { thread->Close(), thread->Open(); }, 0, true, 0},
+    };
+    Bytes late = PlainJpeg(Qt::green);
+    for (const auto& [name, change, lateWidth, draws, replaced] : cases) {
+        SCOPED_TRACE(name);
+        thread->SetView(kView);
         ASSERT_TRUE(thread->Open());
-        EXPECT_EQ(Shown(), QColor(Qt::black));
+        Queue(red);
+        WaitUntilFree();
+        EXPECT_EQ(Shown(), std::pair(QColor(Qt::red), 20));
+        late.push_back(0);  // to be told from those of the cases before
+        BeginDecoding(late);
+        change();
+        EXPECT_EQ(Shown(), nothing);
         EXPECT_FALSE(thread->AcceptImage());
+        decoder.Release();
+        WaitUntilFree();
+        EXPECT_EQ(Shown(), lateWidth > 0 ? std::pair(QColor(Qt::green), lateWidth) : nothing);
+        EXPECT_EQ(thread->AcceptImage(), lateWidth > 0);
+
+        WaitUntilFree();
+        const std::size_t next = decoder.Decodes().size();
+        const int before = decoder.Begun(blue);
+        Queue(blue);
+        WaitUntilFree();
+        WaitUntilFree();
+        EXPECT_EQ(decoder.Begun(blue) - before, draws ? 1 : 0);
+        if (!draws) continue;
+        EXPECT_EQ(decoder.Decodes()[next].formerWidth, replaced);
     }
-    WaitUntilFree();
-    EXPECT_EQ(Shown(), QColor(Qt::black));
 }
 
-TEST_F(DrawingThreadTest, DestructionWaitsForTheDecodeAndReportsTheThreadsEnd) {
-    decoder.Hold();
-    Queue(red);
-    ASSERT_TRUE(decoder.WaitForStarts(1));
-    RunWhileReleasing(decoder, [this] { thread.reset(); });
-    EXPECT_EQ(decoder.Ends(), 1);
-    EXPECT_EQ(exits, 1);
+TEST_F(DrawingThreadTest, RunsAtIdlePriorityUntilItsEndForWhichDestructionWaits) {
+    bool mayLeaveIdle = false;
+    std::thread([&] {
+        SetThreadPriority(ThreadPriority::Idle);
+        SetThreadPriority(ThreadPriority::Normal);
+        mayLeaveIdle = sched_getscheduler(0) == SCHED_OTHER;
+    }).join();
+    BeginDecoding(red);
+    thread->BeginEnd();
+    EXPECT_FALSE(thread->Open() || thread->QueuePicture(red));
+    std::thread releaser([this] { decoder.Release(); });
+    thread.reset();
+    releaser.join();
+    ASSERT_EQ(decoder.Decodes().size(), 1U);
+    EXPECT_EQ(decoder.Decodes()[0].policy, SCHED_IDLE);
+    EXPECT_EQ(decoder.Decodes()[0].policyAtEnd, mayLeaveIdle ? SCHED_OTHER : SCHED_IDLE);
+    EXPECT_EQ(images, 0);
 }
 
 }  // namespace

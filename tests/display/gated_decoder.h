@@ -1,111 +1,96 @@
 #pragma once
 
-// A decoder for panes under test: it counts, keeps what it was given, and can be held in the
-// middle of a picture.
+// A decoder for panes under test: it keeps what it was given, and can be held in the middle of a
+// picture.
 
 #include "display/drawing_thread.h"
-#include "tests/support/loopback.h"
+#include "tests/support/event_loop.h"
 
 #include <QBuffer>
 #include <QColor>
 #include <QImage>
 
-#include <chrono>
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
+#include <sched.h>
 #include <vector>
 
 namespace marvolen::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
+inline Bytes ToJpeg(const QImage& image) {
+    QBuffer buffer;
+    image.save(&buffer, "JPEG", 100);
+    return Bytes(buffer.data().begin(), buffer.data().end());
+}
+
 // A JPEG picture of one colour.
-inline Bytes PlainJpeg(const QColor& colour, int width = 32, int height = 24) {
-    QImage image(width, height, QImage::Format_RGB32);
+inline Bytes PlainJpeg(const QColor& colour) {
+    QImage image(32, 24, QImage::Format_RGB32);
     image.fill(colour);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, "JPEG", 95);
-    return Bytes(bytes.begin(), bytes.end());
+    return ToJpeg(image);
 }
 
 // Whether a pixel has this colour as far as JPEG keeps it.
 inline bool Resembles(QRgb pixel, const QColor& colour) {
-    return std::abs(qRed(pixel) - colour.red()) <= 4 &&
-           std::abs(qGreen(pixel) - colour.green()) <= 4 &&
-           std::abs(qBlue(pixel) - colour.blue()) <= 4;
+    const auto near = [](int a, int b) { return std::abs(a - b) <= 4; };
+    return near(qRed(pixel), colour.red()) && near(qGreen(pixel), colour.green()) &&
+           near(qBlue(pixel), colour.blue());
 }
 
 // Must outlive the pane or thread that uses it.
 class GatedDecoder {
 public:
+    struct Decode {
+        Bytes buffer;          // all it was given, from a picture's first byte on
+        int formerWidth;       // of the picture it is to replace
+        int policy;            // the scheduling policy of its thread when it began
+        int policyAtEnd = -1;  // when it ended
+
+        bool IsOf(const Bytes& jpeg) const {
+            return jpeg.size() <= buffer.size() &&
+                   std::equal(jpeg.begin(), jpeg.end(), buffer.begin());
+        }
+    };
+
     DecodeFunction Function() {
-        return [this](DibImage& picture, const std::uint8_t* bytes, std::size_t count) {
-            return Decode(picture, bytes, count);
+        return [this](DibImage& picture, std::span<const std::uint8_t> jpeg) {
+            std::unique_lock guard(mutex);
+            decodes.push_back({{jpeg.begin(), jpeg.end()}, picture.Width(), sched_getscheduler(0)});
+            const std::size_t own = decodes.size() - 1;
+            released.wait(guard, [&] { return held.empty() || !decodes[own].IsOf(held); });
+            const bool decoded = picture.DecodeJpeg(jpeg.data(), jpeg.size(), JpegPath::Plain) == 1;
+            decodes[own].policyAtEnd = sched_getscheduler(0);
+            return decoded;
         };
     }
 
-    // Decodes wait from now on until Release.
-    void Hold() { SetHeld(true); }
-    void Release() { SetHeld(false); }
+    // Decodes of this picture wait from now on until Release.
+    void Hold(const Bytes& jpeg) {
+        const std::lock_guard guard(mutex);
+        held = jpeg;
+        released.notify_all();
+    }
+    void Release() { Hold({}); }
 
-    // Waits until that many decodes have begun or ended; false when they don't for kPatience.
-    bool WaitForStarts(int count) { return WaitFor(starts, count); }
-    bool WaitForEnds(int count) { return WaitFor(ends, count); }
-
-    int Starts() { return Read(starts); }
-    int Ends() { return Read(ends); }
-    Bytes Received() { return Read(received); }  // by the last decode begun
+    // Every decode begun; how many of them were of one picture.
+    std::vector<Decode> Decodes() {
+        const std::lock_guard guard(mutex);
+        return decodes;
+    }
+    int Begun(const Bytes& jpeg) {
+        const auto all = Decodes();
+        return static_cast<int>(std::count_if(all.begin(), all.end(),
+                                              [&](const auto& each) { return each.IsOf(jpeg); }));
+    }
 
 private:
-    int Decode(DibImage& picture, const std::uint8_t* bytes, std::size_t count) {
-        {
-            std::unique_lock guard(mutex);
-            received.assign(bytes, bytes + count);
-            ++starts;
-            changed.notify_all();
-            changed.wait(guard, [this] { return !held; });
-        }
-        const int result = picture.DecodeJpeg(bytes, count, JpegPath::Plain);  // the more exact
-        const std::lock_guard guard(mutex);
-        ++ends;
-        changed.notify_all();
-        return result;
-    }
-
-    void SetHeld(bool value) {
-        const std::lock_guard guard(mutex);
-        held = value;
-        changed.notify_all();
-    }
-    bool WaitFor(const int& counter, int count) {
-        std::unique_lock guard(mutex);
-        return changed.wait_for(guard, std::chrono::milliseconds(kPatience),
-                                [&] { return counter >= count; });
-    }
-    template <typename Value>
-    Value Read(const Value& value) {
-        const std::lock_guard guard(mutex);
-        return value;
-    }
-
     std::mutex mutex;
-    std::condition_variable changed;
-    // Guarded by mutex.
-    bool held = false;
-    int starts = 0;
-    int ends = 0;
-    Bytes received;
+    std::condition_variable released;
+    Bytes held;                   // guarded by mutex
+    std::vector<Decode> decodes;  // guarded by mutex
 };
-
-// Releases a decoder from another thread while this one runs an operation that waits for it (or
-// shortly before).
-template <typename Operation>
-void RunWhileReleasing(GatedDecoder& decoder, Operation operation) {
-    std::thread releaser([&decoder] { decoder.Release(); });
-    operation();
-    releaser.join();
-}
 
 }  // namespace marvolen::test

@@ -2,63 +2,45 @@
 
 // A live pane in a dialog, with a decoder that can be held and a receiver behind the pane.
 
+#include "display/pane_geometry.h"
 #include "display/video_pane.h"
 #include "net/frame_pool.h"
 #include "platform/dialog.h"
 #include "tests/display/gated_decoder.h"
-#include "tests/support/event_loop.h"
-
-#include <algorithm>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace marvolen::test {
 
 // Keeps what reaches it.
-class RecordingDialog : public CDialog {
+class RecordingDialog : public CDialog, public FrameReceiver {
 public:
-    struct Message {
-        std::uint32_t message = 0;
-        WPARAM wParam = 0;
-        LPARAM lParam = 0;
-        bool operator==(const Message&) const = default;
-    };
-    std::vector<Message> messages;
+    std::vector<std::pair<std::uint32_t, WPARAM>> messages;
     int mouseMoves = 0;
+    int frames = 0;
+
+    void Deliver(FramePtr) override { ++frames; }
 
 protected:
-    void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override {
-        messages.push_back({message, wParam, lParam});
+    void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM) override {
+        messages.emplace_back(message, wParam);
     }
     void mouseMoveEvent(QMouseEvent*) override { ++mouseMoves; }
 };
 
-class CountingReceiver : public FrameReceiver {
-public:
-    void Deliver(FramePtr) override { ++frames; }
-    int frames = 0;
-};
-
 class PaneTest : public ::testing::Test {
 protected:
-    static constexpr int kWidth = 360;
-    static constexpr int kHeight = 100;
-    static constexpr int kPaneId = 1010;
+    static constexpr QSize kSize{360, 100};
+    static constexpr SYSTEMTIME kQuarterPast{2004, 2, 0, 29, 8, 15, 0, 0};
 
     void SetUp() override {
         ASSERT_TRUE(pool.Init(kFrameCapacity, kFrameCount));
-        dialog = std::make_unique<RecordingDialog>();
         dialog->resize(500, 300);
-        pane = new VideoPane(dialog.get(), decoder.Function());
-        dialog->AddControl(pane, kPaneId, QStringLiteral("NET.3"));
         pane->index = 2;
-        pane->setGeometry(0, 0, kWidth, kHeight);
-        pane->SetNext(&behind);
+        pane->resize(kSize);
+        pane->SetNext(dialog.get());
         dialog->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get(), kPatience));
         pane->SetStatus(0, PANE_SELECTED);  // the dialog gave its only control the focus
-        ASSERT_TRUE(pane->Open("NET.3", 0));
+        ASSERT_TRUE(pane->Open("", 0));
     }
     void TearDown() override { decoder.Release(); }
 
@@ -71,11 +53,8 @@ protected:
         pane->Deliver(std::move(frame));
     }
 
-    // The pane as it is on the screen, in device-independent pixels.
-    QImage Picture() { return pane->grab().toImage().scaled(pane->size()); }
-
     bool VideoIs(const QColor& colour) {
-        const QImage image = Picture();
+        const QImage image = pane->grab().toImage().scaled(pane->size());
         for (int y = kStripHeight; y < image.height() - kFrameWidth; ++y) {
             for (int x = kFrameWidth; x < image.width() - kFrameWidth; ++x) {
                 if (!Resembles(image.pixel(x, y), colour)) return false;
@@ -84,22 +63,26 @@ protected:
         return true;
     }
 
-    // Delivers a picture until it is on the screen.
-    bool Show(const Bytes& jpeg, const QColor& colour) {
-        return WaitUntil([&] {
-            Deliver(jpeg);
-            return VideoIs(colour);
-        });
+    // Delivers a picture until its decode has begun, where it is held: so no further one can wait.
+    bool BeginDecoding(const Bytes& jpeg, const SYSTEMTIME* time = nullptr) {
+        const int before = decoder.Begun(jpeg);
+        decoder.Hold(jpeg);
+        return WaitUntil([&] { return Deliver(jpeg, time), decoder.Begun(jpeg) > before; });
     }
 
-    const Bytes red = PlainJpeg(Qt::red);
-    const Bytes green = PlainJpeg(Qt::green);
+    // Puts a picture of one colour on the screen. Afterwards none is under way.
+    bool Show(const QColor& colour, const SYSTEMTIME* time = nullptr) {
+        const bool begun = BeginDecoding(PlainJpeg(colour), time);
+        decoder.Release();
+        return begun && WaitUntil([&] {
+                   return decoder.Decodes().back().policyAtEnd != -1 && VideoIs(colour);
+               });
+    }
 
     GatedDecoder decoder;
     FramePool pool;
-    CountingReceiver behind;
-    std::unique_ptr<RecordingDialog> dialog;
-    VideoPane* pane = nullptr;  // the dialog's
+    std::unique_ptr<RecordingDialog> dialog = std::make_unique<RecordingDialog>();
+    VideoPane* pane = new VideoPane(dialog.get(), decoder.Function());  // the dialog's
 };
 
 }  // namespace marvolen::test

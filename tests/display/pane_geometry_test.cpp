@@ -5,15 +5,13 @@
 namespace marvolen {
 
 static void PrintTo(const PixelRect& rect, std::ostream* out) {
-    *out << '(' << rect.left << ", " << rect.top << ")-(" << rect.right << ", " << rect.bottom
-         << ')';
+    *out << rect.left << ", " << rect.top << ", " << rect.right << ", " << rect.bottom;
 }
 
 namespace {
 
 TEST(PaneGeometry, VideoAreaLiesBelowTheStripInsideTheFrame) {
     EXPECT_EQ(VideoArea(240, 100), (PixelRect{2, 23, 238, 98}));
-    EXPECT_EQ(VideoArea(240, 100).Height(), 75);
     EXPECT_EQ(VideoArea(5, 26), (PixelRect{2, 23, 3, 24}));
     for (const auto& [width, height] : {std::pair{4, 100}, {100, 25}, {1, 1}, {0, 0}}) {
         EXPECT_EQ(VideoArea(width, height), PixelRect{}) << width << " x " << height;
@@ -21,7 +19,7 @@ TEST(PaneGeometry, VideoAreaLiesBelowTheStripInsideTheFrame) {
 }
 
 TEST(PaneGeometry, DevicePixelsOfNeighboursMeet) {
-    EXPECT_EQ(ToDevicePixels({2, 23, 238, 98}, 0, 0, 2.0), (PixelRect{4, 46, 476, 196}));
+    EXPECT_EQ(ToDevicePixels({2, 23, 238, 98}, 1, 2, 2.0), (PixelRect{6, 50, 478, 200}));
     for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.25}) {
         for (int origin = 0; origin < 9; ++origin) {
             const PixelRect left = ToDevicePixels({0, 0, 7, 5}, origin, 0, ratio);
@@ -32,42 +30,28 @@ TEST(PaneGeometry, DevicePixelsOfNeighboursMeet) {
     }
 }
 
-constexpr PixelRect kDesktop{0, 0, 1000, 800};
-constexpr int kWidth = 280;
-constexpr int kHeight = 90;
-
-PixelRect Place(int left, int top, int right, int bottom) {
-    return PlacePopup({left, top, right, bottom}, kWidth, kHeight, kDesktop);
-}
-
-TEST(PopupPlacement, GoesRightOfThePaneWhereThereIsRoom) {
-    EXPECT_EQ(Place(100, 100, 300, 250), (PixelRect{305, 105, 585, 195}));
-    EXPECT_EQ(Place(515, 100, 715, 250), (PixelRect{720, 105, 1000, 195}));  // just so
-}
-
-TEST(PopupPlacement, GoesLeftAtTheRightEdge) {
-    EXPECT_EQ(Place(516, 100, 716, 250), (PixelRect{231, 105, 511, 195}));
-    EXPECT_EQ(Place(285, 100, 716, 250), (PixelRect{0, 105, 280, 195}));  // just so
-}
-
-TEST(PopupPlacement, GoesToTheEdgeWhereNeitherSideHasRoom) {
-    EXPECT_EQ(Place(284, 100, 716, 250), (PixelRect{0, 105, 280, 195}));
-    EXPECT_EQ(Place(0, 0, 1000, 800), (PixelRect{0, 5, 280, 95}));
-    EXPECT_EQ(Place(-50, 0, 1000, 800), (PixelRect{0, 5, 280, 95}));
-}
-
-TEST(PopupPlacement, EndsAtTheDesktopsBottomFivePixelsTaller) {
-    EXPECT_EQ(Place(100, 705, 300, 790), (PixelRect{305, 710, 585, 800}));  // just fits
-    EXPECT_EQ(Place(100, 706, 300, 790), (PixelRect{305, 705, 585, 800}));
-    EXPECT_EQ(Place(700, 790, 900, 900), (PixelRect{415, 705, 695, 800}));
-}
-
-TEST(PopupPlacement, KeepsToADesktopThatDoesNotBeginAtZero) {
-    const PixelRect second{1000, -200, 1800, 400};
-    EXPECT_EQ(PlacePopup({1500, 0, 1750, 100}, kWidth, kHeight, second),
-              (PixelRect{1215, 5, 1495, 95}));
-    EXPECT_EQ(PlacePopup({1010, 0, 1790, 100}, kWidth, kHeight, second),
-              (PixelRect{1000, 5, 1280, 95}));
+TEST(PopupPlacement, BesideThePaneWhereThereIsRoom) {
+    const PixelRect first{0, 0, 1000, 800};
+    const PixelRect second{1000, -200, 1800, 400};  // doesn't begin at zero
+    const struct {
+        PixelRect pane;
+        PixelRect desktop;
+        PixelRect place;
+    } cases[] = {
+        {{100, 100, 300, 250}, first, {305, 105, 585, 195}},
+        {{515, 100, 715, 250}, first, {720, 105, 1000, 195}},  // just room on the right
+        {{516, 100, 716, 250}, first, {231, 105, 511, 195}},
+        {{285, 100, 716, 250}, first, {0, 105, 280, 195}},  // just room on the left
+        {{284, 100, 716, 250}, first, {0, 105, 280, 195}},
+        {{-50, 0, 1000, 800}, first, {0, 5, 280, 95}},
+        {{100, 705, 300, 790}, first, {305, 710, 585, 800}},  // just room below
+        {{100, 706, 300, 790}, first, {305, 705, 585, 800}},
+        {{1500, 0, 1750, 100}, second, {1215, 5, 1495, 95}},
+        {{1010, 0, 1790, 100}, second, {1000, 5, 1280, 95}},
+    };
+    for (const auto& [pane, desktop, place] : cases) {
+        EXPECT_EQ(PlacePopup(pane, 280, 90, desktop), place) << testing::PrintToString(pane);
+    }
 }
 
 }  // namespace

@@ -1,88 +1,59 @@
 #include "display/time_gate.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace marvolen {
 namespace {
 
-SYSTEMTIME At(int hour, int minute, int second, int milliseconds) {
-    const auto word = [](int value) { return static_cast<std::uint16_t>(value); };
-    return {2004, 2, 0, 29, word(hour), word(minute), word(second), word(milliseconds)};
+constexpr int kNone = -1;     // a picture without a stamp
+constexpr int kAllZero = -2;  // a stamp of zeros
+constexpr int kReopened = -3;
+
+// From milliseconds after half past seven.
+SYSTEMTIME Stamp(int time) {
+    const auto second = static_cast<std::uint16_t>(time / 1000 % 60);
+    const auto minute = static_cast<std::uint16_t>(30 + time / 60'000);
+    if (time == kAllZero) return {};
+    return {2004, 2, 0, 29, 7, minute, second, static_cast<std::uint16_t>(time % 1000)};
 }
 
-TEST(TimeGate, TakesTheFirstStampAfterOpenWhateverItIs) {
-    TimeGate gate;
-    EXPECT_EQ(gate.Time(), nullptr);
-    gate.Open(0xFFFFFFFF);
-    // The difference to an all-zero time would be 0 here.
-    const SYSTEMTIME early{};
-    EXPECT_TRUE(gate.Pass(&early));
-    gate.Open(0xFFFFFFFF);
-    const SYSTEMTIME noon = At(12, 0, 0, 0);
-    EXPECT_TRUE(gate.Pass(&noon));
-    ASSERT_NE(gate.Time(), nullptr);
-    EXPECT_EQ(*gate.Time(), noon);
-}
-
-TEST(TimeGate, WithoutAnIntervalTakesEveryLaterStampAndNoEqualOne) {
-    TimeGate gate;
-    gate.Open(0);
-    const SYSTEMTIME first = At(8, 15, 0, 0);
-    const SYSTEMTIME next = At(8, 15, 0, 1);
-    EXPECT_TRUE(gate.Pass(&first));
-    EXPECT_FALSE(gate.Pass(&first));
-    EXPECT_EQ(*gate.Time(), first);
-    EXPECT_TRUE(gate.Pass(&next));
-    EXPECT_EQ(*gate.Time(), next);
-}
-
-TEST(TimeGate, MustExceedTheIntervalSinceTheLastStampTaken) {
-    TimeGate gate;
-    gate.Open(1500);
-    const SYSTEMTIME first = At(8, 59, 59, 700);
-    const SYSTEMTIME tooEarly = At(9, 0, 1, 200);  // exactly 1500 ms later
-    const SYSTEMTIME lateEnough = At(9, 0, 1, 201);
-    EXPECT_TRUE(gate.Pass(&first));
-    EXPECT_FALSE(gate.Pass(&tooEarly));
-    EXPECT_EQ(*gate.Time(), first);
-    EXPECT_TRUE(gate.Pass(&lateEnough));
-    EXPECT_EQ(*gate.Time(), lateEnough);
-}
-
-TEST(TimeGate, FollowsAClockSetBackAtOnce) {
-    TimeGate gate;
-    gate.Open(60000);
-    const SYSTEMTIME before = At(8, 15, 0, 0);
-    const SYSTEMTIME setBack = At(8, 14, 59, 999);
-    EXPECT_TRUE(gate.Pass(&before));
-    EXPECT_TRUE(gate.Pass(&setBack));
-    EXPECT_EQ(*gate.Time(), setBack);
-}
-
-TEST(TimeGate, APictureWithoutStampTakesTheTimeAwayUntilTheNextAcceptedStamp) {
-    TimeGate gate;
-    gate.Open(0);
-    const SYSTEMTIME first = At(8, 15, 0, 0);
-    const SYSTEMTIME next = At(8, 15, 1, 0);
-    EXPECT_TRUE(gate.Pass(&first));
-    EXPECT_TRUE(gate.Pass(nullptr));
-    EXPECT_EQ(gate.Time(), nullptr);
-    EXPECT_FALSE(gate.Pass(&first));  // equal to the stamp last taken: changes nothing
-    EXPECT_EQ(gate.Time(), nullptr);
-    EXPECT_TRUE(gate.Pass(&next));
-    EXPECT_NE(gate.Time(), nullptr);
-}
-
-TEST(TimeGate, CloseAndOpenForgetTheTime) {
-    TimeGate gate;
-    gate.Open(0);
-    const SYSTEMTIME stamp = At(8, 15, 0, 0);
-    EXPECT_TRUE(gate.Pass(&stamp));
-    gate.Close();
-    EXPECT_EQ(gate.Time(), nullptr);
-    gate.Open(0);
-    EXPECT_EQ(gate.Time(), nullptr);
-    EXPECT_TRUE(gate.Pass(&stamp));
+TEST(TimeGate, TakesStampsThatExceedTheLastTakenByMoreThanTheInterval) {
+    const struct {
+        std::uint32_t interval;
+        std::vector<int> stamps;
+        std::string passes;  // + or - for each
+    } cases[] = {
+        {0xFFFFFFFF, {5, 9, kReopened, 7}, "+-++"},                 // the first after opening
+        {0xFFFFFFFF, {kAllZero, 5}, "++"},                          // even the earliest
+        {0, {5, 5, 6}, "+-+"},                                      // every later one
+        {1500, {59'700, 61'200, 61'201, 62'701, 62'702}, "+-+-+"},  // in steps
+        {60'000, {9000, 8999}, "++"},                               // a clock set back
+        {0, {5, kNone, 5, 6}, "++-+"},                              // a picture without
+    };
+    for (const auto& [interval, stamps, passes] : cases) {
+        TimeGate gate;
+        gate.Open(interval);
+        int shown = kNone;
+        for (std::size_t k = 0; k < stamps.size(); ++k) {
+            SCOPED_TRACE(std::to_string(interval) + " ms: " + std::to_string(stamps[k]));
+            const SYSTEMTIME stamp = Stamp(stamps[k]);
+            if (stamps[k] == kReopened) {
+                gate.Close();
+                EXPECT_EQ(gate.Time(), nullptr);
+                gate.Open(interval);
+                shown = kNone;
+            } else {
+                EXPECT_EQ(gate.Pass(stamps[k] == kNone ? nullptr : &stamp), passes[k] == '+');
+                if (passes[k] == '+') shown = stamps[k];
+            }
+            ASSERT_EQ(gate.Time() == nullptr, shown == kNone);
+            if (shown != kNone) {
+                EXPECT_EQ(*gate.Time(), Stamp(shown));
+            }
+        }
+    }
 }
 
 }  // namespace
