@@ -31,7 +31,7 @@ CMarvolenDlg::CMarvolenDlg() : paneFrame(new QFrame(this)), channels(*this, *thi
         auto* pane = new VideoPane(this);
         AddControl(pane, IDC_FIRST_PANE + k, QStringLiteral("NET.%1").arg(k + 1));
         pane->index = k;
-        connect(pane, &VideoPane::clicked, this, [this, pane] { SelectPane(*pane); });
+        connect(pane, &VideoPane::clicked, this, [this](VideoPane* by) { SelectPane(*by); });
         panes[static_cast<std::size_t>(k)] = pane;
     }
 }

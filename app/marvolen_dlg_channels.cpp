@@ -22,8 +22,7 @@ void CMarvolenDlg::ShowRecording(int k, bool recording) {
 }
 
 void CMarvolenDlg::ShowTrouble(int k, const std::string& text) {
-    Pane(k).setToolTip(QString::fromStdString(text));
-    Pane(k).setAccessibleDescription(QString::fromStdString(text));
+    Pane(k).SetTrouble(QString::fromStdString(text));
 }
 
 void CMarvolenDlg::AddLogEntry(const ChannelInfo& info, std::string_view message) {

@@ -52,6 +52,9 @@ CPopupInfoDlg::CPopupInfoDlg(const VideoPane& itsPane, QWidget* parent)
     AddMark(recording, 0, IDC_POPUP_RECORDING, QStringLiteral("Recording"));
     AddMark(connected, 1, IDC_POPUP_CONNECTED, QStringLiteral("Connected"));
     resize(sizeHint());
+    connect(&pane, &PicturePane::titleChanged, this, [this] {
+        if (isVisible()) RefreshPopup();
+    });
 }
 
 QLineEdit* CPopupInfoDlg::AddField(int row, const QString& label, int id) {

@@ -2,6 +2,7 @@
 
 #include "display/pane_geometry.h"
 #include "display/pane_status.h"
+#include "display/qt_rect.h"
 
 #include <QFontMetrics>
 
@@ -11,10 +12,6 @@ namespace {
 constexpr QColor kGround(0, 0, 0);
 constexpr QColor kText(255, 255, 255);
 constexpr QColor kSelectedFrame(255, 0, 0);
-
-QRect ToQRect(const PixelRect& rect) {
-    return QRect(rect.left, rect.top, rect.Width(), rect.Height());
-}
 
 QRegion FrameRegion(QSize pane) {
     return QRegion(QRect(QPoint(0, 0), pane)) - ToQRect(InsideFrame(pane.width(), pane.height()));

@@ -1,41 +1,22 @@
 #include "display/video_pane.h"
 
-#include "display/pane_geometry.h"
 #include "display/popup_info_dlg.h"
-#include "display/title_strip.h"
+#include "display/qt_rect.h"
 
-#include <QImage>
 #include <QMouseEvent>
-#include <QPaintEvent>
-#include <QPainter>
 #include <QScreen>
 
 #include <utility>
 
 namespace marvolen {
-namespace {
-
-// Drawing thread -> its pane: there is an image to accept.
-constexpr std::uint32_t WM_PANEIMAGE = WM_USER + 202;
-
-QRect ToQRect(const PixelRect& rect) {
-    return QRect(rect.left, rect.top, rect.Width(), rect.Height());
-}
-
-PixelRect ToPixelRect(const QRect& rect) {
-    return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
-}
-
-}  // namespace
 
 VideoPane::VideoPane(QWidget* parent, DecodeFunction decode)
-    : CStatic(parent),
-      stripFont(StripFont(font())),
-      marks(StatusMarks::Shared()),
-      drawThread([this] { PostMessage(WM_PANEIMAGE, 0, 0); }, std::move(decode)) {
-    setAttribute(Qt::WA_OpaquePaintEvent);
+    : PicturePane(parent),
+      drawThread([this] { Q_EMIT imageFinished(QPrivateSignal()); }, std::move(decode)) {
     setFocusPolicy(Qt::NoFocus);  // a pane is selected by its window, which then gives it the focus
     setMouseTracking(true);
+    connect(this, &CStatic::clicked, this, [this] { Q_EMIT clicked(this); });
+    connect(this, &VideoPane::imageFinished, this, &VideoPane::AcceptImage, Qt::QueuedConnection);
 }
 
 VideoPane::~VideoPane() {
@@ -45,104 +26,55 @@ VideoPane::~VideoPane() {
 bool VideoPane::Open(std::string_view newName, std::uint32_t newMinInterval) {
     update();
     if (!drawThread.Open()) return false;
-    timeGate.Open(newMinInterval);
-    name = QString::fromUtf8(newName.data(), static_cast<qsizetype>(newName.size()));
-    RedrawTitle();
+    OpenTitle(newName, newMinInterval);
     return true;
 }
 
 void VideoPane::Close() {
     drawThread.Close();
-    timeGate.Close();
+    CloseTitle();
     update();
 }
 
-void VideoPane::SetStatus(std::uint32_t set, std::uint32_t clear) {
-    status = (status | set) & ~clear;
-    RedrawTitle();
-}
-
 void VideoPane::Deliver(FramePtr frame) {
-    timeGate.Pass(frame->Time());
+    PassTime(frame->Time());
     PublishView();
     drawThread.QueuePicture(frame->Picture());
     Forward(std::move(frame));
 }
 
-void VideoPane::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {
-    if (message != WM_PANEIMAGE) return CStatic::OnMessage(message, wParam, lParam);
-    if (!drawThread.AcceptImage()) return;
-    update(ToQRect(VideoArea(width(), height())));
-    RedrawTime();
+void VideoPane::AcceptImage() {
+    if (drawThread.AcceptImage()) RedrawPicture();
 }
 
 // Tells the drawing thread what the pane looks like now. Where that is news, the picture on the
 // screen is none any more.
 void VideoPane::PublishView() {
-    const QPoint origin = mapTo(window(), QPoint(0, 0));
-    const PixelRect video = VideoArea(width(), height());
-    const PixelRect device = ToDevicePixels(video, origin.x(), origin.y(), devicePixelRatioF());
-    const bool shown = isVisible() && !window()->isMinimized();
-    if (drawThread.SetView({shown, device.Width(), device.Height()})) update(ToQRect(video));
-}
-
-void VideoPane::RedrawTitle() {
-    update(TitleStripRegion(size()));
-    RedrawTime();
-}
-
-// While there is no time, the text drawn last stays until the strip is redrawn.
-void VideoPane::RedrawTime() {
-    if (RefreshTimeText()) update(ToQRect(kTimeRect));
-}
-
-// Brings time text and pop-up up to date. Returns whether there is a time to show.
-bool VideoPane::RefreshTimeText() {
-    const SYSTEMTIME* time = timeGate.Time();
-    if (time) FormatTimeInto(*time, timeText);
-    if (popup && popup->isVisible()) popup->RefreshPopup();
-    return time != nullptr;
-}
-
-void VideoPane::paintEvent(QPaintEvent* event) {
-    QPainter painter(this);
-    const PixelRect video = VideoArea(width(), height());
-    if (event->region().intersects(ToQRect(video)) && !PaintPicture(painter, video)) {
-        painter.fillRect(ToQRect(video), Qt::black);
+    const QSize image = ImageSize();
+    if (drawThread.SetView({IsShown(), image.width(), image.height()})) {
+        update(VideoRect());
     }
-    if (!event->region().intersects(TitleStripRegion(size()))) return;
-    const std::string* time = RefreshTimeText() ? &timeText : nullptr;
-    PaintTitleStrip(painter, size(), stripFont, {name, time, status}, *marks);
 }
 
-// Copies the current image pixel by pixel onto the video area; false when there is none that fits.
-bool VideoPane::PaintPicture(QPainter& painter, const PixelRect& video) {
-    const qreal ratio = devicePixelRatioF();
-    const QPoint origin = mapTo(window(), QPoint(0, 0));
-    const PixelRect device = ToDevicePixels(video, origin.x(), origin.y(), ratio);
+bool VideoPane::PaintPicture(QPainter& painter) {
     bool painted = false;
-    drawThread.DrawImage([&](const ScreenImage& image) {
-        if (image.width != device.Width() || image.height != device.Height()) return;
-        const QImage pixels(reinterpret_cast<const uchar*>(image.pixels.data()), image.width,
-                            image.height, image.width * 4, QImage::Format_RGB32);
-        painter.save();
-        painter.scale(1 / ratio, 1 / ratio);
-        painter.drawImage(
-            QPointF(device.left - origin.x() * ratio, device.top - origin.y() * ratio), pixels);
-        painter.restore();
-        painted = true;
-    });
+    drawThread.DrawImage([&](const ScreenImage& image) { painted = PaintImage(painter, image); });
     return painted;
 }
 
+QString VideoPane::AccessibleTitle() const {
+    const QString channel = QStringLiteral("NET.%1").arg(index + 1);
+    const bool named = !GetName().isEmpty() && GetName() != channel;
+    return named ? channel + QLatin1Char(' ') + GetName() : channel;
+}
+
 void VideoPane::resizeEvent(QResizeEvent* event) {
-    CStatic::resizeEvent(event);
+    PicturePane::resizeEvent(event);
     PublishView();
-    update();
 }
 
 void VideoPane::showEvent(QShowEvent* event) {
-    CStatic::showEvent(event);
+    PicturePane::showEvent(event);
     if (topLevel != window()) {
         if (topLevel) topLevel->removeEventFilter(this);
         topLevel = window();
@@ -152,28 +84,13 @@ void VideoPane::showEvent(QShowEvent* event) {
 }
 
 void VideoPane::hideEvent(QHideEvent* event) {
-    CStatic::hideEvent(event);
+    PicturePane::hideEvent(event);
     PublishView();
 }
 
 bool VideoPane::eventFilter(QObject* watched, QEvent* event) {
     if (watched == topLevel && event->type() == QEvent::WindowStateChange) PublishView();
-    return CStatic::eventFilter(watched, event);
-}
-
-void VideoPane::changeEvent(QEvent* event) {
-    CStatic::changeEvent(event);
-    if (event->type() != QEvent::FontChange) return;
-    stripFont = StripFont(font());
-    RedrawTitle();
-}
-
-void VideoPane::focusInEvent(QFocusEvent*) {
-    SetStatus(PANE_SELECTED, 0);
-}
-
-void VideoPane::focusOutEvent(QFocusEvent*) {
-    RedrawTitle();
+    return PicturePane::eventFilter(watched, event);
 }
 
 // Not passed on to the parent, which takes a mouse move over itself for one outside every pane.

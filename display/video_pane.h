@@ -1,44 +1,29 @@
 #pragma once
 
-// VideoPane: shows one live channel.
+// VideoPane: the pane of one live channel ("display/picture_pane.h").
 //
-// A black title strip with the channel's name, the time of the latest picture and two status marks;
-// below it the picture, stretched over the rest of the pane; around both a two-pixel frame that is
-// red while the pane is selected. Geometry is in device-independent pixels and stands in
-// "display/pane_geometry.h".
+// It sits in the middle of its channel's chain and forwards every frame. Its pictures are decoded
+// and scaled by a drawing thread of its own ("display/drawing_thread.h"); pictures that come while
+// that thread is busy are not displayed, only forwarded. The video area is black from Open, Close,
+// a change of size or visibility until the next picture.
 //
-// The pane sits in the middle of its channel's chain and forwards every frame. Its pictures are
-// decoded and scaled by a drawing thread of its own ("display/drawing_thread.h"); pictures that
-// come while that thread is busy are not displayed, only forwarded. The video area is black from
-// Open, Close, a change of size or visibility until the next picture.
-//
-// What the pane tells its parent, which must be a CDialog: WM_COMMAND with STN_DBLCLK for a double
-// click (at once), WM_POPUPPANE with wParam index for a mouse move over the pane (posted).
+// It posts WM_POPUPPANE with wParam index to its dialog for every mouse move over it.
 //
 // Interface thread only.
 
 #include "display/drawing_thread.h"
-#include "display/pane_geometry.h"
-#include "display/pane_status.h"
-#include "display/status_marks.h"
-#include "display/time_gate.h"
-#include "net/frame_receiver.h"
-#include "platform/control.h"
+#include "display/picture_pane.h"
 
-#include <QFont>
 #include <QPointer>
-#include <QString>
 
 #include <cstdint>
-#include <memory>
-#include <string>
 #include <string_view>
 
 namespace marvolen {
 
 class CPopupInfoDlg;
 
-class VideoPane : public CStatic, public FrameReceiver {
+class VideoPane : public PicturePane {
     Q_OBJECT
 
 public:
@@ -62,16 +47,6 @@ public:
     // waiting for it yet. The pane shows no more pictures.
     void BeginEnd() { drawThread.BeginEnd(); }
 
-    // PANE_SELECTED, PANE_CONNECTED, PANE_RECORDING.
-    std::uint32_t GetStatus() const { return status; }
-
-    // status becomes (status | set) & ~clear; strip and frame are redrawn.
-    void SetStatus(std::uint32_t set, std::uint32_t clear);
-
-    // The channel's name and the time text last drawn ("2004/02/29 08:15:00").
-    const QString& GetName() const { return name; }
-    const std::string& GetTimeText() const { return timeText; }
-
     // Makes the pop-up, a hidden modeless dialog over the pane's parent. ShowPopup shows it beside
     // the pane without activating it; from then on it follows the pane until HidePopup. Without a
     // pop-up both do nothing.
@@ -83,37 +58,35 @@ public:
     // and forwards the frame.
     void Deliver(FramePtr frame) override;
 
+    // One of the panes to choose from.
+    QAccessible::Role AccessibleRole() const override { return QAccessible::ListItem; }
+
     // The pane's position 0..15, set by whoever makes the pane, before it is used.
     std::int32_t index = 0;
 
-protected:
-    void OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) override;
+Q_SIGNALS:
+    // The left button went down on the pane, or it was pressed otherwise.
+    void clicked(VideoPane* pane);
 
-    void paintEvent(QPaintEvent* event) override;
+    // The drawing thread's, for this pane alone: there is an image to accept.
+    void imageFinished(QPrivateSignal);
+
+protected:
+    bool PaintPicture(QPainter& painter) override;
+    QString AccessibleTitle() const override;  // "NET.3 Gate"
+
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void changeEvent(QEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void AcceptImage();
     void PublishView();
-    void RedrawTitle();
-    void RedrawTime();
-    bool RefreshTimeText();
-    bool PaintPicture(QPainter& painter, const PixelRect& video);
 
-    TimeGate timeGate;  // timeValid, lastTime, minInterval
-    std::string timeText;
-    QString name;
-    std::uint32_t status = 0;
     QPointer<CPopupInfoDlg> popup;  // owned; the pointer notices when the parent goes first
     QPointer<QWidget> topLevel;     // the window whose minimising is watched
-    QFont stripFont;
-    const std::shared_ptr<StatusMarks> marks;
 
     DrawingThread drawThread;  // last: it ends before what it reports to
 };

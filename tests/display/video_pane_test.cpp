@@ -48,15 +48,32 @@ TEST_F(VideoPaneTest, DecodesNothingWhileHiddenOrMinimisedButForwardsIt) {
     EXPECT_TRUE(Show(Qt::green));
 }
 
-TEST_F(VideoPaneTest, KeepsItsStatus) {
+TEST_F(VideoPaneTest, KeepsItsStatusAndTellsItToAssistiveTools) {
+    const QAccessibleInterface& seen = *QAccessible::queryAccessibleInterface(pane);
+    EXPECT_EQ(seen.text(QAccessible::Name), QStringLiteral("NET.3"));
+    EXPECT_FALSE(seen.state().selected);
     pane->setFocusPolicy(Qt::StrongFocus);
     pane->setFocus();
     pane->clearFocus();
+    EXPECT_TRUE(seen.state().selectable && seen.state().selected);
     pane->SetStatus(PANE_CONNECTED | PANE_RECORDING, PANE_CONNECTED);
     EXPECT_EQ(pane->GetStatus(), PANE_SELECTED | PANE_RECORDING);
+    pane->SetTrouble(QStringLiteral("The disk is full"));
+    EXPECT_EQ(pane->toolTip(), QStringLiteral("The disk is full"));
+    ASSERT_TRUE(pane->Open("Gate", 0));
+    EXPECT_EQ(seen.text(QAccessible::Name), QStringLiteral("NET.3 Gate"));
+    const auto description = [&] { return seen.text(QAccessible::Description).toStdString(); };
+    EXPECT_EQ(description(), "Recording. The disk is full");
+    pane->SetTrouble(QString());
+    pane->SetStatus(PANE_CONNECTED, 0);
+    EXPECT_EQ(description(), "Connected. Recording");
 }
 
-TEST_F(VideoPaneTest, PostsMouseMovesOverItself) {
+TEST_F(VideoPaneTest, TellsOfClicksAndPostsMouseMovesOverItself) {
+    VideoPane* clicked = nullptr;
+    QObject::connect(pane, &VideoPane::clicked, dialog.get(), [&](VideoPane* by) { clicked = by; });
+    QTest::mouseClick(pane, Qt::LeftButton);
+    EXPECT_EQ(clicked, pane);
     EXPECT_EQ(VideoPane(dialog.get()).focusPolicy(), Qt::NoFocus)
         << "its window gives it the focus";
 
