@@ -10,39 +10,32 @@
 #include <QBuffer>
 #include <QImage>
 
-#include <array>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace marvolen::test {
 
-// Small JPEG pictures, each of another colour than the one before.
-class ColourPictures final : public PictureSource {
+// One small JPEG picture for ever.
+class SmallPicture final : public PictureSource {
 public:
-    ColourPictures() {
-        for (std::size_t k = 0; k < loop.size(); ++k) {
-            QImage image(96, 64, QImage::Format_RGB32);
-            image.fill(QColor::fromHsv(static_cast<int>(k * 360 / loop.size()), 200, 220));
-            QByteArray bytes;
-            QBuffer buffer(&bytes);
-            image.save(&buffer, "JPEG", 80);
-            loop[k] = MakePicture(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
-        }
+    SmallPicture() {
+        QImage image(96, 64, QImage::Format_RGB32);
+        image.fill(Qt::cyan);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        image.save(&buffer, "JPEG", 80);
+        picture = MakePicture({bytes.begin(), bytes.end()});
     }
-
-    PicturePtr At(const View&, std::uint64_t position) override {
-        return loop[position % loop.size()];
-    }
+    PicturePtr At(const View&, std::uint64_t) override { return picture; }
 
 private:
-    std::array<PicturePtr, 8> loop;
+    PicturePtr picture;
 };
 
 class Cameras : public ::testing::Test {
 protected:
-    Cameras() : server({.keepSent = false}, std::make_shared<ColourPictures>()) {
+    Cameras() : server({.keepSent = false}, std::make_shared<SmallPicture>()) {
         EXPECT_TRUE(server.Start()) << server.Error();
         g_channelInfo = FactoryChannelTable();
         for (int k = 0; k < kChannelCount; ++k) {

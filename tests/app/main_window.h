@@ -11,16 +11,33 @@
 #include <QImage>
 #include <QLabel>
 
+#include <chrono>
 #include <memory>
 #include <set>
+#include <utility>
 
 namespace marvolen::test {
 
-class MainWindow : public Cameras {
+class MainWindow : public Cameras, public QObject {
 protected:
+    MainWindow() { QCoreApplication::instance()->installEventFilter(this); }
+
     void Open() {
         window = std::make_unique<CMarvolenDlg>();
         window->CreateModeless();
+    }
+
+    // Lets the running timers of this period tick now, as the toolkit would.
+    void Tick(std::chrono::milliseconds period) {
+        window->PostMessage(WM_POPUPPANE, static_cast<WPARAM>(-1), 0);
+        QCoreApplication::processEvents();  // shows eventFilter whose timers the window's are
+        for (QObject* receiver : std::exchange(receivers, {})) {
+            for (const auto& timer :
+                 QAbstractEventDispatcher::instance()->registeredTimers(receiver)) {
+                QTimerEvent tick(timer.timerId);
+                if (period.count() == timer.interval) QCoreApplication::sendEvent(receiver, &tick);
+            }
+        }
     }
 
     bool Has(int k, std::uint32_t status) {
@@ -54,6 +71,11 @@ protected:
     std::unique_ptr<CMarvolenDlg> window;
 
 private:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::User) receivers.insert(object);
+        return false;
+    }
+
     template <typename Predicate>
     static std::set<int> PanesThat(Predicate predicate) {
         std::set<int> panes;
@@ -62,6 +84,8 @@ private:
         }
         return panes;
     }
+
+    std::set<QObject*> receivers;  // of messages posted since the last Tick
 };
 
 }  // namespace marvolen::test
