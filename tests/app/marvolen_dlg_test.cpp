@@ -38,7 +38,11 @@ TEST_F(MainWindow, FailingCamerasComeBackAndLeaveTheOthersLive) {
         SetFieldText(Info(k).host, "127.0.0.1");
     }
     for (int k = 0; k < kFaulty; ++k) server.SetFault(k, {});
-    Tick(5s);
+    EXPECT_TRUE(WaitUntil([&] {
+        Tick(5s);
+        return Has(0, PANE_CONNECTED);
+    })) << "reopens what was refused, before the watchdog does";
+    EXPECT_FALSE(Has(14, PANE_CONNECTED)) << "is the watchdog's";
     for (int round = 0; round < 2; ++round) {  // what delivered until now is silent afterwards
         Tick(30s);
         Tick(5s);
