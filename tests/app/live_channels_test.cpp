@@ -134,9 +134,6 @@ TEST_F(LiveChannelsTest, TheWatchdogRestartsTheSilentAndCancelsTheirReconnects) 
     EXPECT_EQ(Count("1 Unknown Error."), 0) << "delivers pictures";
     EXPECT_FALSE(timers.contains(7));
     EXPECT_TRUE(timers.contains(17));
-    server.SetFault(2, {});
-    channels.OnTimer(kWatchdogTimer);
-    EXPECT_TRUE(RunUntilLive(2));
 }
 
 TEST_F(LiveChannelsTest, OneThatCannotOpenStopsThoseBeforeItAndTheWatchdog) {

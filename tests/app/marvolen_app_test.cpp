@@ -64,17 +64,16 @@ TEST_F(MarvolenApp, WithoutSocketsSaysSoAndStillWritesTheSettings) {
 
 // However it ends, the settings are written as they were read, byte for byte.
 TEST_F(MarvolenApp, EveryEndWritesTheSettings) {
-    const auto key = [](int id) {
-        return [id](QWidget* window) {
-            QWidget* at = window->findChild<QWidget*>(QString::number(id));
-            QTest::keyClick(at, id == IDC_EXIT ? Qt::Key_Space : Qt::Key_Escape);
+    const auto key = [](int id, Qt::Key key) {
+        return [id, key](QWidget* window) {
+            QTest::keyClick(window->findChild<QWidget*>(QString::number(id)), key);
         };
     };
     const std::pair<const char*, std::function<void(QWidget*)>> ends[] = {
         {"close box", [](QWidget* window) { window->close(); }},
         {"Escape", [](QWidget* window) { QTest::keyClick(window, Qt::Key_Escape); }},
-        {"Escape in the panel", key(IDC_LOG_LIST)},
-        {"Exit", key(IDC_EXIT)},
+        {"Escape in the panel", key(IDC_LOG_LIST, Qt::Key_Escape)},
+        {"Exit", key(IDC_EXIT, Qt::Key_Space)},
         {"SIGTERM", [](QWidget*) { raise(SIGTERM); }},
         {"SIGHUP", [](QWidget*) { raise(SIGHUP); }}};
     ChannelTable stored = FactoryChannelTable();

@@ -17,14 +17,15 @@ using namespace std::chrono_literals;
 using test::MainWindow;
 using test::WaitUntil;
 
+constexpr int kFaulty = 13;
+
 // Thirteen cameras fail, each in another way, and two can't be used as they are set, while the last
 // goes on. All come back when the faults are over, by reconnect or watchdog.
 TEST_F(MainWindow, FailingCamerasComeBackAndLeaveTheOthersLive) {
-    const char* const faults[] = {"refuse",        "silent",       "close",      "close-after:3",
-                                  "stall-after:3", "trickle:2000", "garbage",    "no-stamp:2",
-                                  "stamp-back:2",  "oversize:2",   "truncate:2", "bit-flip:1",
-                                  "content-type"};
-    constexpr int kFaulty = static_cast<int>(std::size(faults));
+    const char* const faults[kFaulty] = {
+        "refuse",       "silent",     "close",       "close-after:3", "stall-after:3",
+        "trickle:2000", "garbage",    "no-stamp:2",  "stamp-back:2",  "oversize:2",
+        "truncate:2",   "bit-flip:1", "content-type"};
     for (int k = 0; k < kFaulty; ++k) server.SetFault(k, *ParseFault(faults[k]));
     std::memset(Info(13).host, 'h', sizeof Info(13).host);
     SetFieldText(Info(14).host, "a@b:c/d");
@@ -99,6 +100,17 @@ TEST_F(MainWindow, FitsTheScreenAndItsPartsFitIt) {
     EXPECT_EQ(window->Pane(15).geometry(), before) << "minimised windows are not laid out";
     window->setWindowState(Qt::WindowNoState);
     EXPECT_EQ(panel.right(), window->width() - 1);
+}
+
+TEST_F(MainWindow, APaneSaysWhyItsChannelCannotRecord) {
+    Info(3).maxSizeMB = 0;
+    WithoutHosts();
+    Open();
+    SetFieldText(Info(3).host, "127.0.0.1");
+    EXPECT_FALSE(window->Channels().OpenChannel(3));
+    const QLatin1String reason(TroubleText(RecordTrouble::BadMaximum));
+    EXPECT_TRUE(window->Pane(3).toolTip().startsWith(reason));
+    EXPECT_TRUE(window->Pane(3).accessibleDescription().contains(reason));
 }
 
 TEST_F(MainWindow, TheAboutBoxOpensOnceFromLogoAndMenu) {

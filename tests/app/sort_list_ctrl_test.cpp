@@ -19,7 +19,7 @@ using Strings = std::vector<std::string>;
 class SortList : public ::testing::Test {
 protected:
     SortList() {
-        EXPECT_TRUE(list.SetColumns("ID,40;Name,80;Date,90"));
+        EXPECT_TRUE(list.SetColumns("ID,40;A name too long,80;Date,90"));
         list.AddRow("02", "Yard", "02/01/2004");
         list.AddRow("10", "Gate", "01/02/2004");
         list.AddRow("9", "Gate", "31/12/2003");
