@@ -64,9 +64,9 @@ TEST_F(MarvolenApp, WithoutSocketsSaysSoAndStillWritesTheSettings) {
 
 // However it ends, the settings are written as they were read, byte for byte.
 TEST_F(MarvolenApp, EveryEndWritesTheSettings) {
-    const auto key = [](int id, Qt::Key key) {
-        return [id, key](QWidget* window) {
-            QTest::keyClick(window->findChild<QWidget*>(QString::number(id)), key);
+    const auto key = [](int id, Qt::Key pressed) {
+        return [id, pressed](QWidget* window) {
+            QTest::keyClick(window->findChild<QWidget*>(QString::number(id)), pressed);
         };
     };
     const std::pair<const char*, std::function<void(QWidget*)>> ends[] = {
