@@ -41,7 +41,6 @@ void DrawingThread::BeginEnd() {
 bool DrawingThread::Open() {
     const MutexLock guard(lock);
     DropPictures();
-    opened = false;
     if (!drawThread.joinable() || ending) return false;
     if (!stretcher) stretcher.reset(new (std::nothrow) Stretcher);
     opened = stretcher != nullptr;

@@ -1,7 +1,7 @@
 #include "display/drawing_thread.h"
 
 #include "platform/thread_priority.h"
-#include "tests/display/gated_decoder.h"
+#include "tests/display/pane_fixture.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -29,27 +29,24 @@ protected:
     }
     void WaitUntilFree() { Queue({}); }
 
-    // Hands a picture over and returns in the middle of its decode.
+    // Returns in the middle of the picture's decode.
     void BeginDecoding(const Bytes& jpeg) {
-        decoder.Hold(jpeg);
-        Queue(jpeg);
-        ASSERT_TRUE(WaitUntil([&] { return decoder.Begun(jpeg) > 0; }));
+        ASSERT_TRUE(decoder.HoldIn(jpeg, [&](auto& bytes) { thread->QueuePicture(bytes); }));
     }
 
-    // The colour and width of the current image, black and 0 for none.
-    std::pair<QColor, int> Shown() {
-        std::pair<QColor, int> shown(Qt::black, 0);
+    // The colour and width of the current image, such as "red 20"; nothing when there is none.
+    std::string Shown() {
+        std::string shown;
         thread->DrawImage([&](const ScreenImage& image) {
-            for (const QColor colour : {Qt::red, Qt::green, Qt::blue}) {
-                if (Resembles(image.pixels.at(0), colour)) shown = {colour, image.width};
-            }
+            const bool isRed = Resembles(image.pixels.at(0), Qt::red);
+            const bool isGreen = Resembles(image.pixels.at(0), Qt::green);
+            shown = (isRed ? "red " : isGreen ? "green " : "") + std::to_string(image.width);
         });
         return shown;
     }
 
-    const std::pair<QColor, int> nothing{Qt::black, 0};
     const Bytes red = PlainJpeg(Qt::red);
-    const Bytes blue = PlainJpeg(Qt::blue);
+    const Bytes green = PlainJpeg(Qt::green);
 
     std::atomic<int> images = 0;
     GatedDecoder decoder;
@@ -70,15 +67,15 @@ TEST_F(DrawingThreadTest, DecodesTheWholeBufferWhichGrowsByKilobytesAndNeverShri
 
 TEST_F(DrawingThreadTest, SkipsWhatComesWhileItDecodesAndKeepsTheLastGoodPicture) {
     BeginDecoding(red);
-    EXPECT_FALSE(thread->QueuePicture(blue));
+    EXPECT_FALSE(thread->QueuePicture(green));
     decoder.Release();
     WaitUntilFree();  // with bytes that are no picture
     WaitUntilFree();
     EXPECT_FALSE(thread->SetView(kView));
-    EXPECT_EQ(Shown(), std::pair(QColor(Qt::red), 20));
-    Queue(blue);
+    EXPECT_EQ(Shown(), "red 20");
+    Queue(green);
     WaitUntilFree();
-    EXPECT_EQ(Shown(), std::pair(QColor(Qt::blue), 20));
+    EXPECT_EQ(Shown(), "green 20");
     EXPECT_EQ(images, 1) << "told again before the first was accepted";
     EXPECT_TRUE(thread->AcceptImage());
     EXPECT_FALSE(thread->AcceptImage());
@@ -91,51 +88,45 @@ TEST_F(DrawingThreadTest, ChangesInTheMiddleOfADecode) {
     const struct {
         const char* name;
         std::function<void()> change;
-        int late;      // width of the image that the picture becomes, 0 when it is dropped
-        bool draws;    // further pictures
-        int replaced;  // width of the picture that the next one takes the place of
+        const char* late;  // what the picture becomes
+        int replaced;      // width of the picture that the next one replaces, -1: isn't decoded
     } cases[] = {
         {"resize",
          [this] {
              thread->SetView({true, 30, 7});
          },
-         30, true, 32},
+         "green 30", 32},
         {"hide",
          [this] {
              thread->SetView({false, 20, 10});
          },
-         0, false, 0},
-        {"Open", [this] { thread->Open(); }, 0, true, 32},
-        {"Close", [this] { thread->Close(); }, 0, false, 0},
-        {"Close and Open", [this] { thread->Close(), thread->Open(); }, 0, true, 0},
+         "", -1},
+        {"Open", [this] { thread->Open(); }, "", 32},
+        {"Close", [this] { thread->Close(); }, "", -1},
+        {"Close and Open", [this] { thread->Close(), thread->Open(); }, "", 0},
     };
-    Bytes late = PlainJpeg(Qt::green);
-    for (const auto& [name, change, lateWidth, draws, replaced] : cases) {
+    Bytes late = green;
+    for (const auto& [name, change, shownLate, replaced] : cases) {
         SCOPED_TRACE(name);
         thread->SetView(kView);
         ASSERT_TRUE(thread->Open());
         Queue(red);
         WaitUntilFree();
-        EXPECT_EQ(Shown(), std::pair(QColor(Qt::red), 20));
+        EXPECT_EQ(Shown(), "red 20");
         late.push_back(0);  // to be told from those of the cases before
         BeginDecoding(late);
         change();
-        EXPECT_EQ(Shown(), nothing);
+        EXPECT_EQ(Shown(), "");
         EXPECT_FALSE(thread->AcceptImage());
         decoder.Release();
         WaitUntilFree();
-        EXPECT_EQ(Shown(), lateWidth > 0 ? std::pair(QColor(Qt::green), lateWidth) : nothing);
-        EXPECT_EQ(thread->AcceptImage(), lateWidth > 0);
-
+        EXPECT_EQ(Shown(), shownLate);
         WaitUntilFree();
         const std::size_t next = decoder.Decodes().size();
-        const int before = decoder.Begun(blue);
-        Queue(blue);
+        Queue(red);
         WaitUntilFree();
-        WaitUntilFree();
-        EXPECT_EQ(decoder.Begun(blue) - before, draws ? 1 : 0);
-        if (!draws) continue;
-        EXPECT_EQ(decoder.Decodes()[next].formerWidth, replaced);
+        const auto decodes = decoder.Decodes();
+        EXPECT_EQ(decodes.size() > next ? decodes[next].formerWidth : -1, replaced);
     }
 }
 
@@ -152,9 +143,8 @@ TEST_F(DrawingThreadTest, RunsAtIdlePriorityUntilItsEndForWhichDestructionWaits)
     std::thread releaser([this] { decoder.Release(); });
     thread.reset();
     releaser.join();
-    ASSERT_EQ(decoder.Decodes().size(), 1U);
-    EXPECT_EQ(decoder.Decodes()[0].policy, SCHED_IDLE);
-    EXPECT_EQ(decoder.Decodes()[0].policyAtEnd, mayLeaveIdle ? SCHED_OTHER : SCHED_IDLE);
+    EXPECT_EQ(decoder.Decodes().at(0).policy, SCHED_IDLE);
+    EXPECT_EQ(decoder.Decodes().at(0).policyAtEnd, mayLeaveIdle ? SCHED_OTHER : SCHED_IDLE);
     EXPECT_EQ(images, 0);
 }
 

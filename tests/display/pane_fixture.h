@@ -1,17 +1,105 @@
 #pragma once
 
-// A live pane in a dialog, with a decoder that can be held and a receiver behind the pane.
+// What the tests of panes share: a decoder that can be held in the middle of a picture, and a live
+// pane in a dialog.
 
 #include "display/pane_geometry.h"
 #include "display/video_pane.h"
 #include "net/frame_pool.h"
 #include "platform/dialog.h"
-#include "tests/display/gated_decoder.h"
+#include "tests/support/event_loop.h"
+
+#include <QBuffer>
+#include <QImage>
+
+#include <condition_variable>
+#include <mutex>
+#include <sched.h>
 
 namespace marvolen::test {
 
-// Keeps what reaches it.
-class RecordingDialog : public CDialog, public FrameReceiver {
+using Bytes = std::vector<std::uint8_t>;
+
+inline Bytes ToJpeg(const QImage& image) {
+    QBuffer buffer;
+    image.save(&buffer, "JPEG", 100);
+    return Bytes(buffer.data().begin(), buffer.data().end());
+}
+
+// A JPEG picture of one colour.
+inline Bytes PlainJpeg(const QColor& colour) {
+    QImage image(32, 24, QImage::Format_RGB32);
+    image.fill(colour);
+    return ToJpeg(image);
+}
+
+// Whether a pixel has this primary colour as far as JPEG keeps it: to a sixteenth.
+inline bool Resembles(QRgb pixel, const QColor& colour) {
+    return ((pixel ^ colour.rgb()) & 0xF0F0F0) == 0;
+}
+
+// Must outlive the pane or thread that uses it.
+class GatedDecoder {
+public:
+    struct Decode {
+        Bytes buffer;          // all it was given, from a picture's first byte on
+        int formerWidth;       // of the picture it is to replace
+        int policy;            // the scheduling policy of its thread when it began
+        int policyAtEnd = -1;  // when it ended
+
+        bool IsOf(const Bytes& jpeg) const {
+            return jpeg.size() <= buffer.size() &&
+                   std::equal(jpeg.begin(), jpeg.end(), buffer.begin());
+        }
+    };
+
+    DecodeFunction Function() {
+        return [this](DibImage& picture, std::span<const std::uint8_t> jpeg) {
+            std::unique_lock guard(mutex);
+            decodes.push_back({{jpeg.begin(), jpeg.end()}, picture.Width(), sched_getscheduler(0)});
+            Decode& own = decodes.back();
+            released.wait(guard, [&] { return held.empty() || !own.IsOf(held); });
+            const int result = picture.DecodeJpeg(jpeg.data(), jpeg.size(), JpegPath::Plain);
+            own.policyAtEnd = sched_getscheduler(0);
+            return result == 1;
+        };
+    }
+
+    // Offers a picture until its decode has begun, where it is held until Release: so no further
+    // one can be under way. False when it never begins.
+    template <typename Offer>
+    bool HoldIn(const Bytes& jpeg, Offer offer) {
+        const auto before = Begun(jpeg);
+        SetHeld(jpeg);
+        return WaitUntil([&] { return offer(jpeg), Begun(jpeg) > before; });
+    }
+    void Release() { SetHeld({}); }
+
+    // Every decode begun; how many of them were of one picture.
+    std::vector<Decode> Decodes() {
+        const std::lock_guard guard(mutex);
+        return decodes;
+    }
+    std::ptrdiff_t Begun(const Bytes& jpeg) {
+        const auto all = Decodes();
+        return std::count_if(all.begin(), all.end(), [&](auto& each) { return each.IsOf(jpeg); });
+    }
+
+private:
+    void SetHeld(const Bytes& jpeg) {
+        const std::lock_guard guard(mutex);
+        held = jpeg;
+        released.notify_all();
+    }
+
+    std::mutex mutex;
+    std::condition_variable released;
+    Bytes held;                   // guarded by mutex
+    std::vector<Decode> decodes;  // guarded by mutex
+};
+
+// The pane's window and the receiver behind it: keeps what reaches it.
+class PaneWindow : public CDialog, public FrameReceiver {
 public:
     std::vector<std::pair<std::uint32_t, WPARAM>> messages;
     int mouseMoves = 0;
@@ -63,25 +151,18 @@ protected:
         return true;
     }
 
-    // Delivers a picture until its decode has begun, where it is held: so no further one can wait.
-    bool BeginDecoding(const Bytes& jpeg, const SYSTEMTIME* time = nullptr) {
-        const int before = decoder.Begun(jpeg);
-        decoder.Hold(jpeg);
-        return WaitUntil([&] { return Deliver(jpeg, time), decoder.Begun(jpeg) > before; });
-    }
-
     // Puts a picture of one colour on the screen. Afterwards none is under way.
     bool Show(const QColor& colour, const SYSTEMTIME* time = nullptr) {
-        const bool begun = BeginDecoding(PlainJpeg(colour), time);
+        const auto deliver = [&](const Bytes& jpeg) { Deliver(jpeg, time); };
+        const bool begun = decoder.HoldIn(PlainJpeg(colour), deliver);
         decoder.Release();
-        return begun && WaitUntil([&] {
-                   return decoder.Decodes().back().policyAtEnd != -1 && VideoIs(colour);
-               });
+        const auto ended = [this] { return decoder.Decodes().back().policyAtEnd != -1; };
+        return begun && WaitUntil([&] { return ended() && VideoIs(colour); });
     }
 
     GatedDecoder decoder;
     FramePool pool;
-    std::unique_ptr<RecordingDialog> dialog = std::make_unique<RecordingDialog>();
+    std::unique_ptr<PaneWindow> dialog = std::make_unique<PaneWindow>();
     VideoPane* pane = new VideoPane(dialog.get(), decoder.Function());  // the dialog's
 };
 

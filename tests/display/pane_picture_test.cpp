@@ -1,10 +1,9 @@
 // What a pane looks like, pixel for pixel.
 
-#include "display/title_strip.h"
 #include "res/resources.h"
 #include "tests/display/pane_fixture.h"
 
-#include <QFontMetrics>
+#include <QPainter>
 
 namespace marvolen {
 namespace {
@@ -50,7 +49,7 @@ TEST_F(PanePictureTest, NameAndTimeKeepToTheirPlaces) {
     EXPECT_GT(Drawn().width(), 95);
     ASSERT_TRUE(pane->Open("", 0));
     ASSERT_TRUE(Show(Qt::red, &kQuarterPast));
-    EXPECT_TRUE(timePlace.contains(Drawn()));
+    EXPECT_TRUE(timePlace.adjusted(0, 0, -1, 0).contains(Drawn())) << "or else it is cut";
     EXPECT_GT(Drawn().width(), 100);
     pane->resize(150, 100);  // ends in the middle of the time
     EXPECT_TRUE(timePlace.intersected({2, 2, 146, 21}).contains(Drawn()));
@@ -62,37 +61,17 @@ TEST_F(PanePictureTest, NameAndTimeKeepToTheirPlaces) {
 
 // A chequered picture: one that is scaled, or moved by part of a pixel, would show gray.
 TEST_F(PanePictureTest, ImageReachesTheScreenPixelForPixelAtEveryScale) {
-    const qreal ratio = pane->devicePixelRatioF();
-    const PixelRect video = ToDevicePixels(VideoArea(360, 100), 0, 0, ratio);
-    QImage chequers(video.Width(), video.Height(), QImage::Format_Grayscale8);
+    const PixelRect video = ToDevicePixels(VideoArea(360, 100), 0, 0, pane->devicePixelRatioF());
+    QImage chequers(video.Width(), video.Height(), QImage::Format_Mono);
     for (int y = 0; y < chequers.height(); ++y) {
-        for (int x = 0; x < chequers.width(); ++x) {
-            chequers.scanLine(y)[x] = (x + y) % 2 == 0 ? 255 : 0;
-        }
+        std::fill_n(chequers.scanLine(y), chequers.bytesPerLine(), y % 2 == 0 ? 0x55 : 0xAA);
     }
-    Deliver(ToJpeg(chequers));
+    Deliver(ToJpeg(chequers.convertToFormat(QImage::Format_Grayscale8)));
     EXPECT_TRUE(WaitUntil([&] {
         const QImage screen = pane->grab().toImage();
-        int differences = 0;
-        for (int y = 0; y < chequers.height(); ++y) {
-            for (int x = 0; x < chequers.width(); ++x) {
-                const int shown = qGray(screen.pixel(video.left + x, video.top + y));
-                if (std::abs(shown - chequers.scanLine(y)[x]) > 40) ++differences;
-            }
-        }
-        return differences == 0;
+        const QImage shown = screen.copy(video.left, video.top, video.Width(), video.Height());
+        return shown.convertToFormat(QImage::Format_Mono, Qt::ThresholdDither) == chequers;
     }));
-}
-
-TEST(StripFont, FitsItsPlaceWhateverTheDesktopsSize) {
-    for (const char* family : {"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono"}) {
-        const QFont font = StripFont(QFont(QString::fromLatin1(family), 30));
-        const QRect text = QFontMetrics(font).boundingRect(QStringLiteral("2004/02/29 08:15:00"));
-        EXPECT_LE(text.height(), 16);
-        EXPECT_LE(text.width(), 135);
-        EXPECT_GE(font.pixelSize(), 10);
-        EXPECT_EQ(font, StripFont(QFont(QString::fromLatin1(family), 6)));
-    }
 }
 
 }  // namespace

@@ -104,7 +104,7 @@ TEST_F(VideoPaneTest, SurvivesChangesWhileStreamingAndItsWindowsEndDuringADecode
     }
     pane->show();
     EXPECT_TRUE(Show(Qt::green));
-    ASSERT_TRUE(BeginDecoding(red));
+    ASSERT_TRUE(decoder.HoldIn(red, [this](auto& jpeg) { Deliver(jpeg); }));
     std::thread releaser([this] { decoder.Release(); });
     dialog.reset();
     releaser.join();
