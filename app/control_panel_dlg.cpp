@@ -140,7 +140,7 @@ QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
     auto* layout = MakeLayout<QHBoxLayout>(group);
     QPushButton* setting = MakeButton(IDC_SETTING, QStringLiteral("Setting ..."),
-                                      QStringLiteral("Setting ... of the channels"),
+                                      QStringLiteral("Setting ... for the channels"),
                                       &CControlPanelDlg::settingRequested);
     QPushButton* playback = MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
                                        QStringLiteral("Playback ... of recordings"),

@@ -17,7 +17,7 @@
 
 namespace marvolen {
 
-// Names and widths of the log's columns, as column_text.h reads them.
+// Names and widths of the log's columns, as list_columns.h reads them.
 inline constexpr std::string_view kLogColumns = "ID,20;CH,54;Time,115;Message,192";
 inline constexpr std::size_t kLogColumnCount = 4;
 

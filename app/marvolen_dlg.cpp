@@ -11,6 +11,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <bit>
 
 namespace marvolen {
 namespace {
@@ -47,9 +48,10 @@ void CMarvolenDlg::OnInitDialog() {
     if (!about.isEmpty()) {
         AppendSystemMenuSeparator();
         AppendSystemMenu(SC_ABOUT, about);
-        connect(this, &CDialog::systemCommand, this, [this](int command) {
+        const auto carryOut = [this](int command) {
             if (command == SC_ABOUT) ShowAbout();
-        });
+        };
+        connect(this, &CDialog::systemCommand, this, carryOut, Qt::QueuedConnection);
     }
     setWindowIcon(LoadIcon(IDR_MAIN_ICON));
     controlPanel = new CControlPanelDlg(this);
@@ -121,7 +123,7 @@ void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam
     switch (message) {
         case WM_NETEVENT:
             return channels.OnNetEvent(static_cast<int>(wParam),
-                                       *reinterpret_cast<const ChannelInfo*>(lParam));
+                                       *std::bit_cast<const ChannelInfo*>(lParam));
         case WM_POPUPPANE:
             return OnPopupPane(static_cast<int>(wParam));
         default:

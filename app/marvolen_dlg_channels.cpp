@@ -5,6 +5,8 @@
 #include "config/channel_options.h"
 #include "platform/text_field.h"
 
+#include <bit>
+
 namespace marvolen {
 
 bool CMarvolenDlg::ReopenPane(int k, const ChannelInfo& info) {
@@ -42,7 +44,7 @@ void CMarvolenDlg::OnTimer(std::uint32_t id) {
 }
 
 void CMarvolenDlg::PostNetEvent(int code, ChannelInfo* info) {
-    PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(info));
+    PostMessage(WM_NETEVENT, static_cast<WPARAM>(code), std::bit_cast<LPARAM>(info));
 }
 
 }  // namespace marvolen

@@ -1,6 +1,7 @@
 #include "app/sort_header_ctrl.h"
 
 #include "app/sort_arrow.h"
+#include "platform/cell_delegate.h"
 
 #include <QPainter>
 
@@ -33,6 +34,14 @@ void CSortHeaderCtrl::SetSortArrow(int column, bool ascending) {
     sortAscending = ascending;
     SetItemFormat(column, GetItemFormat(column) | HDF_OWNERDRAW);
     viewport()->update();
+}
+
+int CSortHeaderCtrl::WidthOfName(int column) const {
+    const QString name = GetItemText(column);
+    const int alone = CellDelegate::WidthOf(fontMetrics(), name);
+    if (column != sortColumn) return alone;
+    const int margins = (kArrowMargins + 2) * HeaderMargin(height());
+    return std::max(alone, fontMetrics().horizontalAdvance(name) + margins);
 }
 
 void CSortHeaderCtrl::DrawItem(const DrawItemInfo& draw) const {

@@ -16,6 +16,9 @@ public:
     // column's item itself. A column that doesn't exist takes the arrow away.
     void SetSortArrow(int column, bool ascending);
 
+    // The width at which this column's name is seen whole, beside the arrow where it has that.
+    int WidthOfName(int column) const;
+
     int SortColumn() const { return sortColumn; }  // -1 before the first SetSortArrow
     bool SortAscending() const { return sortAscending; }
 

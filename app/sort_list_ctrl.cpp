@@ -1,6 +1,6 @@
 #include "app/sort_list_ctrl.h"
 
-#include "app/column_text.h"
+#include "app/list_columns.h"
 #include "app/row_order.h"
 #include "platform/cell_delegate.h"
 
@@ -27,7 +27,7 @@ CSortListCtrl::CSortListCtrl(QWidget* parent)
       sortHeader(static_cast<CSortHeaderCtrl*>(GetHeaderCtrl())) {}
 
 bool CSortListCtrl::SetColumns(std::string_view columns) {
-    for (const ColumnText& column : ParseColumns(columns)) {
+    for (const ListColumn& column : ParseColumns(columns)) {
         const QString name = QString::fromStdString(column.name);
         if (InsertColumn(columnCount, name, HDF_LEFT, column.width) < 0) return false;
         ++columnCount;
@@ -44,9 +44,8 @@ void CSortListCtrl::WidenColumns() {
     const int count = std::min(columnCount, static_cast<int>(columnSamples.size()));
     for (int column = 0; column < count; ++column) {
         const auto sample = QString::fromStdString(columnSamples[static_cast<std::size_t>(column)]);
-        const int needed = std::max(
-            CellDelegate::WidthOf(fontMetrics(), sample),
-            CellDelegate::WidthOf(sortHeader->fontMetrics(), sortHeader->GetItemText(column)));
+        const int needed =
+            std::max(CellDelegate::WidthOf(fontMetrics(), sample), sortHeader->WidthOfName(column));
         if (needed > columnWidth(column)) setColumnWidth(column, needed);
     }
 }
@@ -77,6 +76,7 @@ void CSortListCtrl::SortByColumn(int column, bool ascending) {
     sortColumn = column;
     sortAscending = ascending;
     sortHeader->SetSortArrow(column, ascending);
+    WidenColumns();
     std::vector<SortText> texts;
     texts.reserve(static_cast<std::size_t>(GetItemCount()));
     for (int row = 0; row < GetItemCount(); ++row) {

@@ -35,12 +35,13 @@ public:
 
     explicit CSortListCtrl(QWidget* parent = nullptr);
 
-    // Appends columns, described as column_text.h says: "ID,20;CH,54". False at the first column
+    // Appends columns, described as list_columns.h says: "ID,20;CH,54". False at the first column
     // that the list refuses (wider than kWidestColumn); the ones before it stay.
     bool SetColumns(std::string_view columns);
 
     // Widens the columns whose samples (a text for each column) or names don't fit in the list's
-    // font, now and whenever the font changes. Never narrows a column.
+    // font, now and whenever the font changes, and a column that is sorted by when its name has no
+    // room beside the arrow. Never narrows a column.
     void SetColumnSamples(std::vector<std::string> samples);
 
     // Appends a row with copies of exactly columnCount texts. A NUL ends a text. Returns the row's

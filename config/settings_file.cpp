@@ -8,10 +8,11 @@ namespace {
 
 // The file holds passwords: for its owner's eyes only. Where that can't be had, it is as it was.
 void HideFromOthers(const std::string& path) {
+    namespace fs = std::filesystem;
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) return;
-    using std::filesystem::perms;
-    std::filesystem::permissions(path, perms::owner_read | perms::owner_write, ignored);
+    if (!fs::is_regular_file(path, ignored)) return;
+    fs::permissions(path, fs::perms::group_all | fs::perms::others_all, fs::perm_options::remove,
+                    ignored);
 }
 
 }  // namespace
@@ -31,6 +32,7 @@ bool WriteSettingsFile(const std::string& path, const ChannelTable& table) {
     // blocks are still there to be written to, where truncating first would give them away.
     std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
     if (!file.is_open()) file.open(path, std::ios::binary | std::ios::out | std::ios::trunc);
+    if (!file.is_open()) return false;
     HideFromOthers(path);  // before there is anything in it to read
     file.write(reinterpret_cast<const char*>(table.data()), sizeof table);
     file.close();

@@ -51,11 +51,15 @@ TEST_F(MainWindow, FailingCamerasComeBackAndLeaveTheOthersLive) {
             EXPECT_TRUE(WaitUntil([&] { return Has(k, PANE_CONNECTED) && ShowsPicture(k); })) << k;
         }
     }
+    Info(3).maxSizeMB = 0;
+    EXPECT_FALSE(window->Channels().OpenChannel(3));
+    const QLatin1String reason(TroubleText(RecordTrouble::BadMaximum));
+    EXPECT_TRUE(window->Pane(3).toolTip().startsWith(reason));
+    EXPECT_TRUE(window->Pane(3).accessibleDescription().contains(reason));
 }
 
 TEST_F(MainWindow, StartsAndStopsLeaveNothingBehind) {
-    std::size_t descriptors = 0;
-    std::size_t threads = 0;
+    std::set<std::pair<std::size_t, std::size_t>> left;
     for (int start = 0; start < 4; ++start) {
         Open();
         for (int k = 0; k < kChannelCount; ++k) {
@@ -63,13 +67,9 @@ TEST_F(MainWindow, StartsAndStopsLeaveNothingBehind) {
         }
         window.reset();
         for (int k = 0; k < kChannelCount; ++k) ASSERT_TRUE(server.WaitForOpenConnections(k, 0));
-        if (start == 0) {  // which makes what stays for the whole program
-            descriptors = test::OpenDescriptors();
-            threads = test::Threads();
-        }
-        EXPECT_EQ(test::OpenDescriptors(), descriptors);
-        EXPECT_EQ(test::Threads(), threads);
+        left.emplace(test::OpenDescriptors(), test::Threads());
     }
+    EXPECT_EQ(left.size(), 1U) << "more each time, or less";
 }
 
 // An ordinary window to the window manager, with its frame within what the desktop leaves; at every
@@ -80,8 +80,7 @@ TEST_F(MainWindow, FitsTheScreenAndItsPartsFitIt) {
     EXPECT_EQ(window->windowType(), Qt::Window);
     EXPECT_FALSE(window->isModal());
     const QRect available = window->screen()->availableGeometry();
-    EXPECT_TRUE(available.contains(window->geometry()));
-    EXPECT_GT(window->geometry().top(), available.top()) << "room for a title bar";
+    EXPECT_TRUE(available.adjusted(0, 1, 0, 0).contains(window->geometry())) << "no title bar";
     const QRect& panel = window->ControlPanel().geometry();
     const int panelWidth = panel.width();
     for (const QSize size : {QSize(1000, 800), QSize(1603, 901), QSize(640, 480)}) {
@@ -90,8 +89,7 @@ TEST_F(MainWindow, FitsTheScreenAndItsPartsFitIt) {
         const int width = (window->width() - panelWidth) / 4;
         const int height = window->height() / 4;
         EXPECT_EQ(window->Pane(15).geometry(), QRect(3 * width, 3 * height, width, height));
-        EXPECT_EQ(panel.topRight(), QPoint(window->width() - 1, 0));
-        EXPECT_EQ(panel.width(), panelWidth);
+        EXPECT_EQ(panel, QRect(window->width() - panelWidth, 0, panelWidth, panel.height()));
         EXPECT_LE(panel.height(), window->height()) << "no control is cut off";
     }
     const QRect before = window->Pane(15).geometry();
@@ -100,17 +98,6 @@ TEST_F(MainWindow, FitsTheScreenAndItsPartsFitIt) {
     EXPECT_EQ(window->Pane(15).geometry(), before) << "minimised windows are not laid out";
     window->setWindowState(Qt::WindowNoState);
     EXPECT_EQ(panel.right(), window->width() - 1);
-}
-
-TEST_F(MainWindow, APaneSaysWhyItsChannelCannotRecord) {
-    Info(3).maxSizeMB = 0;
-    WithoutHosts();
-    Open();
-    SetFieldText(Info(3).host, "127.0.0.1");
-    EXPECT_FALSE(window->Channels().OpenChannel(3));
-    const QLatin1String reason(TroubleText(RecordTrouble::BadMaximum));
-    EXPECT_TRUE(window->Pane(3).toolTip().startsWith(reason));
-    EXPECT_TRUE(window->Pane(3).accessibleDescription().contains(reason));
 }
 
 TEST_F(MainWindow, TheAboutBoxOpensOnceFromLogoAndMenu) {
@@ -129,6 +116,8 @@ TEST_F(MainWindow, TheAboutBoxOpensOnceFromLogoAndMenu) {
     Click(IDC_LOGO);
     EXPECT_EQ(seen, 1);
     Q_EMIT window->systemCommand(SC_ABOUT);
+    EXPECT_EQ(seen, 1) << "not within the menu's click";
+    QCoreApplication::processEvents();
     EXPECT_EQ(seen, 2);
     QAccessibleInterface* logo = QAccessible::queryAccessibleInterface(Control(IDC_LOGO));
     EXPECT_EQ(logo->role(), QAccessible::Button);

@@ -1,6 +1,7 @@
 #include "app/message_log.h"
 
 #include "app/log_export.h"
+#include "app/log_text.h"
 #include "platform/text_field.h"
 #include "tests/support/temporary_folder.h"
 
@@ -10,6 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -24,12 +26,14 @@ TEST(Log, ExportHasEveryEntryInTheDisplayedOrder) {
     g_channelInfo = FactoryChannelTable();
     SetFieldText(g_channelInfo[2].netName, "Gate");
     SetFieldText(g_channelInfo[8].netName, "Tür, \"Süd\"");
+    std::ranges::fill(g_channelInfo[15].netName, 'n');
     log.AddLogEntry(&g_channelInfo[15], "Unknown Error.");
     log.AddLogEntry(&g_channelInfo[2], "Network close.");
     now.second = 1;
     log.AddLogEntry(&g_channelInfo[8], "Network error.");
     g_channelInfo = FactoryChannelTable();  // what is logged keeps its names
-    const std::string line16 = "16,,2004/02/29 08:15:00,Unknown Error.\n";
+    const std::string line16 =
+        "16," + std::string(kTextFieldSize - 1, 'n') + ",2004/02/29 08:15:00,Unknown Error.\n";
     const std::string line3 = "03,Gate,2004/02/29 08:15:00,Network close.\n";
     const std::string line9 = "09,Tür, \"Süd\",2004/02/29 08:15:01,Network error.\n";
     const auto exported = [&list] {
@@ -40,7 +44,20 @@ TEST(Log, ExportHasEveryEntryInTheDisplayedOrder) {
     list.SortByColumn(0, true);
     EXPECT_EQ(exported(), line3 + line9 + line16);
     log.Clean();
-    EXPECT_EQ(exported(), "");
+    EXPECT_EQ(exported(), "") << "the file before is replaced";
+}
+
+// It is found out on the way, or when the file is closed.
+TEST(Log, AFullDiskFailsTheExport) {
+    const LogTexts row{"02", "Gate", "2004/02/29 08:15:00", "Network error."};
+    for (const int rows : {1, 100'000}) {
+        int asked = 0;
+        EXPECT_FALSE(WriteLogFile("/dev/full", rows, [&](int) {
+            ++asked;
+            return std::span<const std::string>(row);
+        }));
+        EXPECT_TRUE(rows == 1 || asked < rows) << "goes on in vain";
+    }
 }
 
 // Where an event has no room its last word is seen, which it differs in.

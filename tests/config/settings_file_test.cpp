@@ -16,13 +16,7 @@ using test::WriteWholeFile;
 
 class SettingsFile : public ::testing::Test {
 protected:
-    SettingsFile() { g_channelInfo = FactoryChannelTable(); }
     ~SettingsFile() override { g_channelInfo = FactoryChannelTable(); }
-
-    bool TableIsFactory() const {
-        const ChannelTable factory = FactoryChannelTable();
-        return std::memcmp(&factory, &g_channelInfo, sizeof factory) == 0;
-    }
 
     const test::TemporaryFolder folder;
 };
@@ -30,8 +24,9 @@ protected:
 TEST_F(SettingsFile, OfAnotherSizeIsIgnored) {
     for (const std::size_t size : {0U, 1U, 25279U, 25281U, 50560U}) {
         WriteWholeFile(kSettingsFileName, std::string(size, 'x'));
-        LoadSettings();
-        EXPECT_TRUE(TableIsFactory()) << size;
+        ChannelTable table = FactoryChannelTable();
+        EXPECT_FALSE(ReadSettingsFile(kSettingsFileName, table)) << size;
+        EXPECT_EQ(table[0].host[0], '\0');
     }
 }
 
@@ -46,18 +41,17 @@ TEST_F(SettingsFile, OfTheRightSizeReplacesEveryByte) {
     EXPECT_EQ(ReadWholeFile(kSettingsFileName), bytes);
 }
 
+// It has passwords: only its owner may read it, who may protect it from being written.
 TEST_F(SettingsFile, SavedOverALongerFileHasTheTableOnly) {
     WriteWholeFile(kSettingsFileName, std::string(70000, 'x'));
-    SetFieldText(g_channelInfo[3].netName, "Gate");
-    SaveSettings();
-    ASSERT_EQ(fs::file_size(kSettingsFileName), 25280U);
-    EXPECT_EQ(fs::status(kSettingsFileName).permissions(), fs::perms{0600}) << "it has passwords";
-    g_channelInfo = FactoryChannelTable();
-    LoadSettings();
-    EXPECT_EQ(FieldText(g_channelInfo[3].netName), "Gate");
-}
-
-TEST_F(SettingsFile, OnAFullDiskIsAFailure) {
+    for (const fs::perms before : {fs::perms(0777), fs::perms(0644), fs::perms(0444)}) {
+        fs::permissions(kSettingsFileName, before);
+        const bool written = WriteSettingsFile(kSettingsFileName, g_channelInfo);
+        EXPECT_TRUE(written || before == fs::perms(0444)) << "the superuser writes it all the same";
+        const fs::perms after = fs::status(kSettingsFileName).permissions();
+        EXPECT_EQ(after, written ? before & fs::perms::owner_all : before);
+        EXPECT_EQ(fs::file_size(kSettingsFileName), 25280U);
+    }
     EXPECT_FALSE(WriteSettingsFile("/dev/full", g_channelInfo));
 }
 

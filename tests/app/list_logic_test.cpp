@@ -1,9 +1,14 @@
+// The plain logic of sortable lists.
+
+#include "app/list_columns.h"
 #include "app/row_order.h"
+#include "app/sort_arrow.h"
 
 #include <algorithm>
 #include <clocale>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <regex>
 #include <string>
@@ -71,6 +76,48 @@ TEST(RowOrder, SortsStablyBothWaysAndKeepsEveryRow) {
     std::sort(sorted.begin(), sorted.end());
     std::sort(mixed.begin(), mixed.end());
     EXPECT_EQ(sorted, mixed);
+}
+
+TEST(ListColumns, NamesRunToTheirCommaAndWidthsAreTheirLeadingDigits) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    using Columns = std::vector<ListColumn>;
+    const std::pair<const char*, Columns> texts[] = {
+        {"ID,20;CH,54", {{"ID", 20}, {"CH", 54}}},
+        {"ID,20;", {{"ID", 20}}},
+        {"A,10;B", {{"A", 10}}},
+        {";,1", {{";", 1}}},
+        {",5", {{"", 5}}},
+        {"A,10,20;B,30", {{"A", 10}, {"B", 30}}},
+        {"A,12px;B,w;C,;D,-4", {{"A", 12}, {"B", 0}, {"C", 0}, {"D", 0}}},
+        {"A,99999999999999999999", {{"A", kMost}}}};
+    for (const auto& [text, columns] : texts) EXPECT_EQ(ParseColumns(text), columns) << text;
+}
+
+// A margin is 4 here: an arrow stands between 13 and 4 pixels from the right, 4 below and above.
+TEST(SortArrow, PointsUpForAscendingAndDownForDescending) {
+    constexpr int kWidth = 16;
+    std::string picture;
+    for (int y = 0; y < 17; ++y) picture += std::string(2 * kWidth, '.') + '\n';
+    for (const bool ascending : {true, false}) {
+        for (const ArrowPixel& pixel : SortArrow(kWidth, 17, ascending)) {
+            const int x = pixel.x + (ascending ? 0 : kWidth);
+            picture.at(static_cast<std::size_t>(pixel.y * (2 * kWidth + 1) + x)) =
+                pixel.light ? '+' : 'x';
+        }
+    }
+    EXPECT_EQ(picture.substr(3 * 33, 12 * 33), R"(................................
+.......x+..........xxxxxxxx+....
+.......x.+.........x.......+....
+......x..+..........x.....+.....
+......x...+.........x.....+.....
+.....x....+.........x....+......
+.....x.....+.........x...+......
+....x......+.........x..+.......
+....x.......+........x..+.......
+...x+++++++++.........x+........
+......................x.........
+................................
+)");
 }
 
 }  // namespace

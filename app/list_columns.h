@@ -8,16 +8,16 @@
 
 namespace marvolen {
 
-struct ColumnText {
+struct ListColumn {
     std::string name;
     int width = 0;  // device-independent pixels
 
-    bool operator==(const ColumnText&) const = default;
+    bool operator==(const ListColumn&) const = default;
 };
 
 // Reads entries of a name and a width, separated by ";", name and width by ",". An entry without
 // "," ends the text; a width that isn't a number is 0, and one that is too large for an int counts
 // as the largest.
-std::vector<ColumnText> ParseColumns(std::string_view text);
+std::vector<ListColumn> ParseColumns(std::string_view text);
 
 }  // namespace marvolen

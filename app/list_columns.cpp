@@ -1,4 +1,4 @@
-#include "app/column_text.h"
+#include "app/list_columns.h"
 
 #include "app/decimal.h"
 
@@ -7,8 +7,8 @@
 
 namespace marvolen {
 
-std::vector<ColumnText> ParseColumns(std::string_view text) {
-    std::vector<ColumnText> columns;
+std::vector<ListColumn> ParseColumns(std::string_view text) {
+    std::vector<ListColumn> columns;
     for (;;) {
         const std::size_t comma = text.find(',');
         if (comma == std::string_view::npos) return columns;
