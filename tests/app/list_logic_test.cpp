@@ -2,7 +2,6 @@
 
 #include "app/list_columns.h"
 #include "app/row_order.h"
-#include "app/sort_arrow.h"
 
 #include <algorithm>
 #include <clocale>
@@ -91,33 +90,6 @@ TEST(ListColumns, NamesRunToTheirCommaAndWidthsAreTheirLeadingDigits) {
         {"A,12px;B,w;C,;D,-4", {{"A", 12}, {"B", 0}, {"C", 0}, {"D", 0}}},
         {"A,99999999999999999999", {{"A", kMost}}}};
     for (const auto& [text, columns] : texts) EXPECT_EQ(ParseColumns(text), columns) << text;
-}
-
-// A margin is 4 here: an arrow stands between 13 and 4 pixels from the right, 4 below and above.
-TEST(SortArrow, PointsUpForAscendingAndDownForDescending) {
-    constexpr int kWidth = 16;
-    std::string picture;
-    for (int y = 0; y < 17; ++y) picture += std::string(2 * kWidth, '.') + '\n';
-    for (const bool ascending : {true, false}) {
-        for (const ArrowPixel& pixel : SortArrow(kWidth, 17, ascending)) {
-            const int x = pixel.x + (ascending ? 0 : kWidth);
-            picture.at(static_cast<std::size_t>(pixel.y * (2 * kWidth + 1) + x)) =
-                pixel.light ? '+' : 'x';
-        }
-    }
-    EXPECT_EQ(picture.substr(3 * 33, 12 * 33), R"(................................
-.......x+..........xxxxxxxx+....
-.......x.+.........x.......+....
-......x..+..........x.....+.....
-......x...+.........x.....+.....
-.....x....+.........x....+......
-.....x.....+.........x...+......
-....x......+.........x..+.......
-....x.......+........x..+.......
-...x+++++++++.........x+........
-......................x.........
-................................
-)");
 }
 
 }  // namespace
