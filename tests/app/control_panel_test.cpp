@@ -7,8 +7,6 @@
 #include <QAccessible>
 #include <QApplication>
 
-#include <vector>
-
 namespace marvolen {
 namespace {
 
@@ -80,27 +78,21 @@ TEST_F(ControlPanel, RecordingCommandsAreQueued) {
 }
 
 TEST_F(ControlPanel, PopUpsFollowTheMouseOnlyWhenEnabled) {
-    const auto popupsOver = [this](QWidget* widget) {
+    const auto popups = window->findChildren<CPopupInfoDlg*>();  // in their panes' order
+    const auto popupsOver = [&](QWidget* widget) {
         QTest::mouseMove(widget, QPoint(3, 3));
         QTest::mouseMove(widget, QPoint(5, 5));
         QCoreApplication::processEvents();
-        std::vector<CPopupInfoDlg*> visible;
-        for (CPopupInfoDlg* popup : window->findChildren<CPopupInfoDlg*>()) {
-            if (popup->isVisible()) visible.push_back(popup);
-        }
-        return visible;
+        return PanesThat([&](int k) { return popups[k]->isVisible(); });
     };
-    EXPECT_TRUE(popupsOver(&window->Pane(2)).empty());
+    EXPECT_EQ(popupsOver(&window->Pane(2)), std::set<int>{});
     Click(IDC_ENABLE_POPUP);
-    const auto second = popupsOver(&window->Pane(2));
-    EXPECT_EQ(second.size(), 1U);
-    const auto fifth = popupsOver(&window->Pane(5));
-    EXPECT_EQ(fifth.size(), 1U);
-    EXPECT_NE(fifth, second);
-    EXPECT_TRUE(popupsOver(&window->ControlPanel()).empty());
-    EXPECT_EQ(popupsOver(&window->Pane(2)), second);
+    EXPECT_EQ(popupsOver(&window->Pane(2)), std::set{2});
+    EXPECT_EQ(popupsOver(&window->Pane(5)), std::set{5});
+    EXPECT_EQ(popupsOver(&window->ControlPanel()), std::set<int>{});
+    EXPECT_EQ(popupsOver(&window->Pane(2)), std::set{2});
     Click(IDC_ENABLE_POPUP);
-    EXPECT_FALSE(second[0]->isVisible()) << "nothing would hide it any more";
+    EXPECT_FALSE(popups[2]->isVisible()) << "nothing would hide it any more";
 }
 
 TEST_F(ControlPanel, EveryCommandIsReachedByTheTabKey) {

@@ -12,7 +12,6 @@
 #include "tests/support/event_loop.h"
 
 #include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -24,18 +23,17 @@ namespace {
 
 using test::WaitUntil;
 
-class Pane final : public FrameReceiver {
-public:
+struct Pane final : FrameReceiver {
+    void Deliver(FramePtr frame) override {
+        ++frames;
+        Forward(std::move(frame));
+    }
+
     int opened = 0;
     int frames = 0;
     bool connected = false;
     bool recording = false;
     std::string trouble;
-
-    void Deliver(FramePtr frame) override {
-        ++frames;
-        Forward(std::move(frame));
-    }
 };
 
 class LiveChannelsTest : public test::Cameras,
@@ -44,13 +42,13 @@ class LiveChannelsTest : public test::Cameras,
                          public NetEventOwner {
 protected:
     bool ReopenPane(int k, const ChannelInfo& info) override {
-        ++PaneOf(k).opened;
+        ++panes[k].opened;
         return &info == &Info(k) && k != paneThatFails;
     }
-    FrameReceiver& PaneReceiver(int k) override { return PaneOf(k); }
-    void ShowConnected(int k, bool connected) override { PaneOf(k).connected = connected; }
-    void ShowRecording(int k, bool recording) override { PaneOf(k).recording = recording; }
-    void ShowTrouble(int k, const std::string& text) override { PaneOf(k).trouble = text; }
+    FrameReceiver& PaneReceiver(int k) override { return panes[k]; }
+    void ShowConnected(int k, bool connected) override { panes[k].connected = connected; }
+    void ShowRecording(int k, bool recording) override { panes[k].recording = recording; }
+    void ShowTrouble(int k, const std::string& text) override { panes[k].trouble = text; }
     void AddLogEntry(const ChannelInfo& info, std::string_view message) override {
         log.push_back(std::to_string(ChannelNumber(&info)) + " " + std::string(message));
     }
@@ -60,7 +58,6 @@ protected:
     void KillChannelTimer(std::uint32_t id) override { timers.erase(id); }
     void PostNetEvent(int code, ChannelInfo* info) override { posted.emplace_back(code, info); }
 
-    Pane& PaneOf(int k) { return panes[static_cast<std::size_t>(k)]; }
     long Count(const std::string& line) { return std::count(log.begin(), log.end(), line); }
 
     // Handles posted events until the condition holds.
@@ -74,11 +71,11 @@ protected:
         });
     }
     bool RunUntilLive(int k) {
-        const int before = PaneOf(k).frames;
-        return Run([&] { return PaneOf(k).connected && PaneOf(k).frames > before + 1; });
+        const int before = panes[k].frames;
+        return Run([&] { return panes[k].connected && panes[k].frames > before + 1; });
     }
 
-    std::array<Pane, kChannelCount> panes;
+    Pane panes[kChannelCount];
     std::map<std::uint32_t, std::uint32_t> timers;  // id to period
     std::vector<std::string> log;
     std::vector<std::pair<int, ChannelInfo*>> posted;
@@ -165,8 +162,7 @@ TEST_F(LiveChannelsTest, WhatIsWantedToRecordOutlivesEveryReopening) {
     channels.SetRecording(0, false);
     EXPECT_FALSE(panes[0].recording);
     channels.StopAllChannels(CloseFlag::Ordered);
-    RecordFile file;
-    EXPECT_TRUE(file.OpenForRead("drive_c/chl01.dbt"));
+    EXPECT_TRUE(RecordFile().OpenForRead("drive_c/chl01.dbt"));
     EXPECT_EQ(std::filesystem::file_size("drive_c/chl02.dbt"), 19264U) << "was never recorded";
 }
 

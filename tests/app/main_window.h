@@ -43,6 +43,14 @@ protected:
     bool Has(int k, std::uint32_t status) {
         return (window->Pane(k).GetStatus() & status) == status;
     }
+    template <typename Predicate>
+    static std::set<int> PanesThat(Predicate predicate) {
+        std::set<int> panes;
+        for (int k = 0; k < kChannelCount; ++k) {
+            if (predicate(k)) panes.insert(k);
+        }
+        return panes;
+    }
     std::set<int> Recording() {
         return PanesThat([this](int k) { return Has(k, PANE_RECORDING); });
     }
@@ -74,15 +82,6 @@ private:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() == QEvent::User) receivers.insert(object);
         return false;
-    }
-
-    template <typename Predicate>
-    static std::set<int> PanesThat(Predicate predicate) {
-        std::set<int> panes;
-        for (int k = 0; k < kChannelCount; ++k) {
-            if (predicate(k)) panes.insert(k);
-        }
-        return panes;
     }
 
     std::set<QObject*> receivers;  // of messages posted since the last Tick
