@@ -139,13 +139,11 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
 QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
     auto* layout = MakeLayout<QHBoxLayout>(group);
-    QPushButton* setting = MakeButton(IDC_SETTING, QStringLiteral("Setting ..."),
-                                      QStringLiteral("Setting ... for the channels"),
-                                      &CControlPanelDlg::settingRequested);
-    QPushButton* playback = MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
-                                       QStringLiteral("Playback ... of recordings"),
-                                       &CControlPanelDlg::playbackRequested);
-    // Disabled as long as there are no dialogs for them to open.
+    QPushButton* setting = MakePlainButton(IDC_SETTING, QStringLiteral("Setting ..."),
+                                           QStringLiteral("Setting ... for the channels"));
+    QPushButton* playback = MakePlainButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
+                                            QStringLiteral("Playback ... of recordings"));
+    // Disabled, and no commands, as long as there are no dialogs for them to open.
     setting->setEnabled(false);
     playback->setEnabled(false);
     layout->addWidget(setting);

@@ -71,8 +71,6 @@ Q_SIGNALS:
     void stopAllRequested();
     void startAllRequested();
     void aboutRequested();
-    void settingRequested();
-    void playbackRequested();
     void cleanLogRequested();
     void saveLogRequested();
     void turnPageRequested(int step);  // -1, +1
