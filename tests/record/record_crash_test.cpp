@@ -31,14 +31,15 @@ protected:
         return trace;
     }
 
-    // What was appended is there but for a chunk at most, and the file goes on behind it.
+    // What was appended is there but for a chunk and the record being written, at most, and the
+    // file goes on behind it.
     void ExpectSurvivors(std::uint64_t maxSize, std::uint32_t appended) {
         Crash();
         Restore(image);
         ASSERT_TRUE(Sound() && Read());
         std::vector<TestRecord> taken;
         for (std::uint32_t id = 0; id <= appended; ++id) taken.push_back({id, kLength});
-        ASSERT_NO_FATAL_FAILURE(ExpectSurvivorsOf(taken));
+        ASSERT_NO_FATAL_FAILURE(ExpectSurvivorsOf(taken, 601));
         nextId = 100000;
         ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, kLength));
         Close();
