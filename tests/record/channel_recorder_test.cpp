@@ -175,7 +175,7 @@ TEST_F(Recorder, AFailedOpenSaysWhyHoldsNothingAndTouchesNoRecording) {
     holder.Close();
     channel = MakeChannel(0);
     ASSERT_TRUE(recorder.Open(&channel, &pane, &owner));
-    EXPECT_TRUE(pane.IsWired());
+    EXPECT_TRUE(recorder.IsOpen() && pane.IsWired());
     recorder.Connect();
     EXPECT_TRUE(pane.IsActive());
     recorder.Close(CloseFlag::Ordered);
