@@ -79,6 +79,7 @@ void MultipartParser::Enter(State newState) {
 // to the end of a match, or those that the frame still had room for.
 std::size_t MultipartParser::Step(std::span<const std::uint8_t> bytes) {
     const auto [pattern, collects] = SearchOf(state);
+    // There is a frame: Feed ends without one. NOLINTNEXTLINE(clang-analyzer-cplusplus.Move)
     const std::size_t room = collects ? frame->Capacity() - frame->Length() : bytes.size();
     const auto searched = bytes.first(std::min(room, bytes.size()));
     std::size_t consumed = 0;

@@ -51,7 +51,7 @@ public:
         if (job == nullptr) {
             job = std::make_shared<Job>();
             job->waiting.push_back(wake);
-            const std::shared_ptr<Job> begun = job;
+            std::shared_ptr<Job> begun = job;
             Begin(name, begun);
             return begun;
         }

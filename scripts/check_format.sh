@@ -5,4 +5,5 @@ cd "$(dirname "$0")/.."
 
 mode=(--dry-run --Werror)
 [[ ${1:-} == --fix ]] && mode=(-i)
-git ls-files -z '*.cpp' '*.h' | xargs -0 clang-format "${mode[@]}"
+find . -path ./build -prune -o \( -name '*.cpp' -o -name '*.h' \) -print0 |
+  xargs -0 clang-format "${mode[@]}"
