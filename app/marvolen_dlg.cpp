@@ -16,7 +16,7 @@
 namespace marvolen {
 namespace {
 
-constexpr QSize kTemplateUnits(618, 437);     // dialog units
+constexpr QSize kWindowUnits(618, 437);       // dialog units
 constexpr QSize kWantedPaneArea(1408, 1012);  // panes wide enough for their status marks
 constexpr QSize kFrameAllowance(16, 48);      // what a window's frame takes of the screen
 
@@ -77,7 +77,7 @@ void CMarvolenDlg::PlaceOnScreen() {
     const QSize available = screenArea.size() - kFrameAllowance;
     const QSize wanted =
         kWantedPaneArea + QSize(controlPanel->PanelSize(available.height()).width(), 0);
-    resize(MapDialogUnits(kTemplateUnits).expandedTo(wanted).boundedTo(available));
+    resize(MapDialogUnits(kWindowUnits).expandedTo(wanted).boundedTo(available));
     const QSize margin = (screenArea.size() - size() - kFrameAllowance) / 2;
     move(screenArea.topLeft() + QPoint(margin.width(), margin.height()));
 }
