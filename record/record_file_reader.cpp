@@ -86,7 +86,8 @@ bool RecordFile::StepBack() {
 // next one begins.
 bool RecordFile::BlockTurnsAsWritten(const ChunkBlock& block) const {
     const ChunkHeader& chunk = block.header;
-    if (ring.End() - chunk.self >= kChunkBlockSize || ring.End() == GetHeaderMaxSize()) return true;
+    const bool inOnePiece = ring.End() - ring.Place(chunk.self) >= kChunkBlockSize;
+    if (inOnePiece || ring.End() == GetHeaderMaxSize()) return true;
     std::uint64_t end = ring.Advance(chunk.self, kChunkBlockSize);
     for (std::uint32_t k = 0; k < chunk.count; ++k) {
         const IndexEntry& entry = block.entries[k];
