@@ -29,14 +29,12 @@ bool LiveChannels::OpenChannel(int k) {
     if (!view.ReopenPane(k, info)) return false;
     ChannelRecorder& recorder = Recorder(k);
     if (FieldText(info.host).empty()) {
-        NoteTrouble(k, RecordTrouble::None);  // of a host it had
+        recorder.SetRecording(false);  // ends the trouble of a host it had
         return true;
     }
-    const bool opened = recorder.Open(&info, &view.PaneReceiver(k), &owner);
-    NoteTrouble(k, recorder.Trouble());  // the same as before is not reported
-    if (!opened) return false;
+    if (!recorder.Open(&info, &view.PaneReceiver(k), &owner)) return false;
     recorder.Connect();  // a failure is the watchdog's
-    if (IsRecording(k)) recorder.SetRecording(true);
+    recorder.SetRecording(IsRecording(k));
     return true;
 }
 
@@ -101,7 +99,7 @@ void LiveChannels::OnWatchdog() {
     }
 }
 
-// A spell of trouble lasts until the channel could record again; its reason may change meanwhile.
+// The reason may change within a spell of trouble.
 void LiveChannels::NoteTrouble(int k, RecordTrouble trouble) {
     Channel& channel = channels[Index(k)];
     const RecordTrouble before = std::exchange(channel.trouble, trouble);

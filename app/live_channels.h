@@ -8,8 +8,9 @@
 // A channel k (0 to 15) is closed; or open and connecting; or connected; or closed with its timer k
 // running, which opens it anew. Whether it records is kept here and outlives every reopening.
 //
-// A channel that can't record is in trouble until its file can be opened or written again. The view
-// is told what and since when, and standard error gets a line when such a spell begins.
+// A channel that can't record is in trouble until a picture is written again or, when it isn't
+// wanted to record, until its file can be opened. The view is told what and since when, and
+// standard error gets a line when such a spell begins.
 
 #include "config/channel_info.h"
 #include "platform/system_time.h"

@@ -143,6 +143,7 @@ bool FileHandle::Read(void* buffer, std::uint32_t count, std::uint32_t& moved) {
 
 bool FileHandle::Write(const void* buffer, std::uint32_t count, std::uint32_t& moved) {
     moved = 0;
+    ranOutOfSpace = false;
     if (!IsOpen()) return false;
     const auto* const bytes = static_cast<const std::uint8_t*>(buffer);
     while (moved < count) {
@@ -158,6 +159,7 @@ bool FileHandle::Write(const void* buffer, std::uint32_t count, std::uint32_t& m
 }
 
 bool FileHandle::Truncate() {
+    ranOutOfSpace = false;
     if (!IsOpen()) return false;
     while (ftruncate(descriptor, static_cast<off_t>(position)) != 0) {
         if (errno != EINTR) return FailToStore(errno);

@@ -75,8 +75,8 @@ public:
     // Ends the file at the position.
     bool Truncate();
 
-    // Whether the latest Write or Truncate that failed did so for lack of room: on the disk, within
-    // a quota, or up to the largest size a file may have. False until one has since the open.
+    // Whether the latest Write or Truncate since the open failed for lack of room: on the disk,
+    // within a quota, or up to the largest size a file may have.
     bool RanOutOfSpace() const { return ranOutOfSpace; }
 
 private:

@@ -52,7 +52,7 @@ public:
 
     // Why the latest Create or Open failed.
     FileOpenError OpenError() const { return handle.OpenError(); }
-    // Whether the latest write that failed since the open did so for lack of room.
+    // Whether the latest write since the open failed for lack of room.
     bool RanOutOfSpace() const { return handle.RanOutOfSpace(); }
 
 protected:

@@ -35,8 +35,12 @@ bool ChannelRecorder::Open(ChannelInfo* channel, FrameReceiver* pane, NetEventOw
     recording = false;
     frameCount = 0;
     opened = true;
-    NoteTrouble(RecordTrouble::None);
     return true;
+}
+
+void ChannelRecorder::SetRecording(bool on) {
+    recording = on;
+    if (!on) NoteTrouble(RecordTrouble::None);
 }
 
 bool ChannelRecorder::Connect() {

@@ -48,8 +48,9 @@ public:
     // connect attempt fails at once.
     bool Connect();
 
-    // Whether stamped frames are written from now on.
-    void SetRecording(bool on) { recording = on; }
+    // Whether stamped frames are written from now on. Switching it off ends the trouble: what isn't
+    // to be written can't fail.
+    void SetRecording(bool on);
 
     // Frames that reached the recorder since the last call; 0 while closed.
     std::uint32_t TakeFrameCount();
@@ -61,13 +62,13 @@ public:
     bool IsConnected() const;
     bool HasSettled() const;
 
-    // What kept the channel's file from being opened, or its latest frame from being written; None
-    // while it records, or would. It outlives Close and a failed Open, whose reason it is. An Open
-    // that fails on the source, before the file, leaves it as it was.
+    // What kept the channel's file from being opened, or its latest frame from being written. It
+    // lasts until a frame is written or SetRecording ends it, through Close and Open: that a file
+    // can be opened doesn't show that it can be written.
     RecordTrouble Trouble() const { return trouble; }
 
-    // handler is called with each new value of Trouble, from within Open and Deliver; an empty one
-    // is not. It must not open or close the recorder.
+    // handler is called with each new value of Trouble, from within Open, SetRecording and Deliver;
+    // an empty one is not. It must not open or close the recorder.
     void SetTroubleHandler(std::function<void(RecordTrouble)> handler) {
         troubleHandler = std::move(handler);
     }

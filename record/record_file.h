@@ -108,6 +108,7 @@ private:
     void Reset();
     bool Fail(RecordTrouble reason);
     bool FailToOpen();
+    bool FailToWrite();
     bool StartRecording(std::uint64_t newMaxSize);
     bool GoOn(std::uint64_t newMaxSize);
     RingGeometry StoredRing();

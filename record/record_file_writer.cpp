@@ -145,10 +145,15 @@ bool RecordFile::WriteFrame(const VideoFrame& frame) {
     if (stamp == nullptr || !IsOpen()) return false;
     if (frame.Length() > ring.Size() - kChunkBlockSize) return Fail(RecordTrouble::BadMaximum);
     if (!MakeRoom(frame.Length()) || !AppendRecord(frame.Data(), frame.Length(), *stamp)) {
-        return Fail(RanOutOfSpace() ? RecordTrouble::NoSpace : RecordTrouble::WriteFailed);
+        return false;
     }
     trouble = RecordTrouble::None;
     return true;
+}
+
+// For a frame, right after the write that failed: the next one forgets why.
+bool RecordFile::FailToWrite() {
+    return Fail(RanOutOfSpace() ? RecordTrouble::NoSpace : RecordTrouble::WriteFailed);
 }
 
 bool RecordFile::AppendRecord(const void* data, std::uint32_t length, const SYSTEMTIME& stamp) {
@@ -156,7 +161,7 @@ bool RecordFile::AppendRecord(const void* data, std::uint32_t length, const SYST
     writeChunk.entries[writeChunk.header.count] = {pos, length, stamp};
     if (!WriteAll(data, length)) {
         Seek(pos);  // the next record begins where this one would have
-        return false;
+        return FailToWrite();
     }
     ++writeChunk.header.count;
     writeChunkDirty = true;
@@ -178,7 +183,7 @@ std::uint64_t RecordFile::RoomBeforeOwnBlock() {
 // its index or itself.
 bool RecordFile::MakeRoom(std::uint32_t length) {
     const ChunkHeader& newest = writeChunk.header;
-    if (newest.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return false;
+    if (newest.count == 0 && writeChunkDirty && !FlushChunkUnwatched()) return FailToWrite();
     if (newest.count == kChunkEntries) return StartChunk(Former::kLinked);
     if (length > RoomBeforeOwnBlock()) return StartChunk(Former::kDropped);
     return true;
@@ -202,6 +207,7 @@ bool RecordFile::StartChunk(Former former) {
         writeChunkDirty = true;
         done = done && FlushChunkUnwatched();
     }
+    if (!done) FailToWrite();
     if (!done && formerRemains) {
         writeChunk.header.next = 0;
         FlushChunkUnwatched();  // nothing else would make its records known as long as this goes on

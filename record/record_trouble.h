@@ -1,20 +1,20 @@
 #pragma once
 
-// What keeps a channel from recording. The system says nothing of it in its log or in messages;
-// whoever shows the channel can.
+// What keeps a channel from recording. It is no matter for the message log: whoever shows the
+// channel tells it.
 
 namespace marvolen {
 
 enum class RecordTrouble {
-    None,         // it records, or would
-    InUse,        // somebody else has the record file open
-    CannotOpen,   // the record file can't be opened, read or, when opened, written
-    NoSpace,      // the disk, a quota or a limit on the file's size has no room left
-    WriteFailed,  // the disk doesn't take a frame, for another reason
-    BadMaximum    // the maximum has no room for what is to be recorded
+    None,         // nothing known of
+    InUse,        // another program, or another channel, has the record file open
+    CannotOpen,   // opening the record file failed for another reason
+    NoSpace,      // the disk, a quota or the largest size of a file leaves no room
+    WriteFailed,  // a frame couldn't be written, for another reason
+    BadMaximum    // the file's maximum size has no room for an index block and the frame
 };
 
-// The same in words for a user: a sentence without its full stop, "" for None.
+// What a user reads: a sentence without its full stop, "" for None.
 const char* TroubleText(RecordTrouble trouble);
 
 }  // namespace marvolen

@@ -30,7 +30,8 @@ bool RingFile::TakeUpRing() {
 void RingFile::Close() {
     if (headerDirty && IsOpen()) WriteHeader();
     headerDirty = false;
-    LimitedFile::Close();
+    // Not MarkedFile's, which ends the watch: whoever opens a ring says whether to watch it.
+    LimitedFile::Close();  // NOLINT(bugprone-parent-virtual-call)
 }
 
 bool RingFile::Seek(std::uint64_t pos) {

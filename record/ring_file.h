@@ -22,7 +22,7 @@ public:
     // and the watch stay off until SetLimited(true).
     bool Create(const std::string& path) override;
     bool Open(const std::string& path) override;
-    // Writes a changed header, then closes as LimitedFile.
+    // Writes a changed header, then closes as LimitedFile; the watch stays as it is.
     void Close() override;
 
     // With the limit on, a position beyond the maximum is folded back, once. The maximum itself is

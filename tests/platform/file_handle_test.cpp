@@ -92,7 +92,9 @@ TEST_F(FileHandleTest, SaysHowMuchAFailedWriteMoved) {
     EXPECT_FALSE(written);
     EXPECT_EQ(moved, 1000U);
     EXPECT_EQ(file.Tell(), 1000U);
+    EXPECT_TRUE(file.RanOutOfSpace());
     EXPECT_TRUE(file.Write("y", 1, moved)) << "goes on when there is room again";
+    EXPECT_FALSE(file.RanOutOfSpace());
     std::signal(SIGXFSZ, signalBefore);
 }
 

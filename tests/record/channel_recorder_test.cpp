@@ -183,34 +183,46 @@ TEST_F(Recorder, AFailedOpenSaysWhyHoldsNothingAndTouchesNoRecording) {
     QCoreApplication::processEvents();
     EXPECT_EQ(owner.events, 0);
     EXPECT_EQ(heard, (std::vector{RecordTrouble::InUse, RecordTrouble::BadMaximum,
-                                  RecordTrouble::CannotOpen, RecordTrouble::None}));
+                                  RecordTrouble::CannotOpen}));
 }
 
-TEST_F(Recorder, SaysWhenADiskIsFullAndWhenThereIsRoomAgain) {
+TEST_F(Recorder, IsInTroubleUntilAPictureIsWrittenOrNoneIsToBe) {
     rlimit unlimited{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
     const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    const auto limit = [&](rlim_t bytes) {
+    // Connects and records so many pictures on a disk with room for a file of so many bytes.
+    const auto record = [&](rlim_t bytes, int pictures) {
         const rlimit limited{bytes, unlimited.rlim_max};
-        return setrlimit(RLIMIT_FSIZE, &limited) == 0;
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+        const bool opened = recorder.Open(&channel, &pane, &owner);
+        recorder.SetRecording(true);
+        for (int k = 0; k < pictures; ++k) Deliver(true);
+        recorder.Close(CloseFlag::Ended);
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+        return opened;
     };
-    ASSERT_TRUE(limit(10000));
-    EXPECT_FALSE(recorder.Open(&channel, &pane, &owner)) << "no room for the first block";
-    ASSERT_TRUE(limit(19264 + 150));
-    EXPECT_TRUE(recorder.Open(&channel, &pane, &owner));
-    recorder.SetRecording(true);
-    for (int k = 0; k < 3; ++k) Deliver(true);
+    constexpr RecordTrouble kFull = RecordTrouble::NoSpace;
+    std::vector<RecordTrouble> expected;
+    const struct {
+        rlim_t room;
+        int pictures;
+        std::vector<RecordTrouble> told;
+    } kConnections[] = {
+        {10000, 0, {kFull}},                             // not even for the first block
+        {19264 + 150, 3, {RecordTrouble::None, kFull}},  // for one of three
+        {19264 + 150, 3, {}},                            // the camera came back, the room didn't
+        {19264 + 60000, 600, {RecordTrouble::None, kFull}},  // for all but the next block
+        {unlimited.rlim_cur, 1, {RecordTrouble::None}},
+        {19264, 1, {kFull}},
+    };
+    for (const auto& [room, pictures, told] : kConnections) {
+        EXPECT_EQ(record(room, pictures), room != 10000) << room;
+        expected.insert(expected.end(), told.begin(), told.end());
+        EXPECT_EQ(heard, expected) << room;
+    }
     recorder.SetRecording(false);
-    ASSERT_TRUE(limit(unlimited.rlim_cur));
-    Deliver(true);
-    EXPECT_EQ(recorder.Trouble(), RecordTrouble::NoSpace) << "nothing has been written since";
-    recorder.SetRecording(true);
-    for (int k = 0; k < 2; ++k) Deliver(true);
-    EXPECT_EQ(heard, (std::vector{RecordTrouble::NoSpace, RecordTrouble::None,
-                                  RecordTrouble::NoSpace, RecordTrouble::None}));
-    recorder.Close(CloseFlag::Ordered);
-    EXPECT_EQ(Records(), 3U);
-    Deliver(true);  // recording is still switched on
+    EXPECT_EQ(recorder.Trouble(), RecordTrouble::None);
+    EXPECT_EQ(Records(), 601U);
     std::signal(SIGXFSZ, signalBefore);
 }
 
