@@ -30,6 +30,9 @@ public:
     // Runs the dialog until it ends: OnInitDialog, its own event loop, OnModalEnd. Returns what
     // EndDialog was given; given from OnInitDialog the dialog stays unseen. A dialog object is
     // made for one run; a further run goes on with the controls as they are.
+    //
+    // Modal over its parent; without one, other windows stay usable. A run is ended by EndDialog,
+    // never by hide().
     int DoModal();
 
     // Shows the dialog without a loop of its own (a modeless or child dialog) after OnInitDialog,

@@ -14,7 +14,7 @@ inline constexpr std::uint32_t WM_USER = 0x400;
 
 // Pane, main window, control panel -> main window. wParam: pane whose pop-up to show, -1 hides all.
 inline constexpr std::uint32_t WM_POPUPPANE = WM_USER + 1;
-// Channel link -> its owner. wParam: NETEVENT_..., lParam: the channel's ChannelInfo.
+// Main window -> itself, for a channel. wParam: NETEVENT_..., lParam: the channel's ChannelInfo.
 inline constexpr std::uint32_t WM_NETEVENT = WM_USER + 100;
 
 static_assert(WM_POPUPPANE == 0x401 && WM_NETEVENT == 0x464);
