@@ -43,6 +43,7 @@ int CDialog::RunLoop() {
     if (parentWidget()) return exec();
     QEventLoop loop;
     connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
+    setResult(0);
     show();
     loop.exec();
     return result();
