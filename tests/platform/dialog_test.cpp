@@ -110,6 +110,17 @@ TEST(Static, IsClickedByMouseOrAssistiveTool) {
     EXPECT_TRUE(actions.actionNames().contains(press));
     actions.doAction(press);
     EXPECT_EQ(heard, "cc");
+    {
+        QDialog modal;
+        modal.setModal(true);
+        modal.show();
+        actions.doAction(press);
+        EXPECT_EQ(heard, "cc") << "pressed below a modal dialog";
+        pane.setParent(&modal);
+        actions.doAction(press);
+        EXPECT_EQ(heard, "ccc");
+        pane.setParent(nullptr);
+    }
     QTest::mouseDClick(&pane, Qt::LeftButton);
     EXPECT_EQ(heard.back(), 'd');
     heard.clear();
