@@ -2,6 +2,7 @@
 
 #include "config/settings_file.h"
 #include "platform/descriptor.h"
+#include "platform/thread_annotations.h"
 #include "tools/camera_server/camera_server.h"
 #include "tools/camera_server/command_line.h"
 #include "tools/camera_server/control.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <iterator>
 #include <memory>
-#include <mutex>
 #include <poll.h>
 #include <string>
 #include <sys/signalfd.h>
@@ -27,8 +27,8 @@ using namespace marvolen;
 
 // Whole lines, at once, from any thread.
 void Print(const std::string& line) {
-    static std::mutex lock;
-    const std::lock_guard hold(lock);
+    static Mutex lock;
+    const MutexLock guard(lock);
     std::fputs(line.c_str(), stdout);
     std::fflush(stdout);
 }
