@@ -1,6 +1,6 @@
 // Programs that end in the middle of a write.
 
-#include "tests/record/faulty_record_file.h"
+#include "tests/record/record_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 // Replays what a writer wrote, piece by piece, and looks at the file in between. Only the writes of
 // the 24 and 40 bytes of a header are taken for indivisible.
-class RecordCrash : public RecordFaults {
+class RecordCrash : public RecordFixture {
 protected:
     static constexpr std::uint32_t kLength = 45;  // of a record; no other write is as long
     static constexpr std::uint64_t kChunk = kBlock + 600 * kLength;
@@ -23,10 +23,10 @@ protected:
         nextId = 0;
         for (const int records : sessions) {
             Renew();
-            disk->keepsTrace = true;
+            file->keepsTrace = true;
             EXPECT_TRUE(file->OpenOrCreateNew(path, maxSize) && AppendMany(records, kLength));
             Close();
-            trace.insert(trace.end(), disk->trace.begin(), disk->trace.end());
+            trace.insert(trace.end(), file->trace.begin(), file->trace.end());
         }
         return trace;
     }
@@ -44,7 +44,7 @@ protected:
         ASSERT_TRUE(Reopen(maxSize) && AppendMany(3, kLength));
         Close();
         ASSERT_TRUE(Sound() && Read() && file->SeekTo(file->RecordCount() - 1));
-        ASSERT_TRUE(Shows(nextId - 1, kLength));
+        ASSERT_TRUE(Shows({nextId - 1, kLength}));
     }
 };
 

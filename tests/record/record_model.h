@@ -22,7 +22,6 @@ public:
         fileSize = 0;
         chunks.clear();
         BeginChunk();
-        fileSize = 24 + kBlock;
     }
 
     bool Append(const TestRecord& record) {
@@ -77,8 +76,6 @@ public:
     std::uint64_t ChunkPosition(std::size_t k) const { return chunks[k].self; }
 
 private:
-    static constexpr std::uint64_t kBlock = 19240;
-
     struct Chunk {
         std::uint64_t self;
         std::int64_t start;  // on the line
@@ -95,7 +92,6 @@ private:
     }
 
     void Advance(std::uint64_t n) {
-        if (n == 0) return;
         line += static_cast<std::int64_t>(n);
         while (chunks.front().start + Ring() < line) chunks.pop_front();
         if (n > max - pos) {
