@@ -158,6 +158,18 @@ bool FileHandle::Write(const void* buffer, std::uint32_t count, std::uint32_t& m
     return true;
 }
 
+bool FileHandle::Reserve(std::uint64_t size) {
+    if (!IsOpen() || size > kLargestPosition) return false;
+    const std::uint64_t present = Size();
+    if (size <= present) return true;
+    int error = 0;
+    do {
+        error = posix_fallocate(descriptor, static_cast<off_t>(present),
+                                static_cast<off_t>(size - present));
+    } while (error == EINTR);
+    return error == 0;
+}
+
 bool FileHandle::Truncate() {
     ranOutOfSpace = false;
     if (!IsOpen()) return false;

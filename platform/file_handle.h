@@ -72,6 +72,11 @@ public:
     bool Read(void* buffer, std::uint32_t count, std::uint32_t& moved);
     bool Write(const void* buffer, std::uint32_t count, std::uint32_t& moved);
 
+    // Makes a file that is shorter than size bytes that long, with place on the disk for what is
+    // added: writing there won't want for room. False where there isn't as much; the file may have
+    // grown by some of it then. The position stays.
+    bool Reserve(std::uint64_t size);
+
     // Ends the file at the position.
     bool Truncate();
 
