@@ -25,25 +25,13 @@ struct Sample {
     int height;
 };
 
-Bytes EncodeJpeg(const marvolen::bench::Picture& picture, int quality) {
-    const tjhandle encoder = tjInitCompress();
-    unsigned char* jpeg = nullptr;
-    unsigned long size = 0;
-    tjCompress2(encoder, picture.rgb.data(), picture.width, 0, picture.height, TJPF_RGB, &jpeg,
-                &size, TJSAMP_420, quality, 0);
-    Bytes bytes(jpeg, jpeg + size);
-    tjFree(jpeg);
-    tjDestroy(encoder);
-    return bytes;
-}
-
 // 704 x 480 4:2:0 of about 35, 50 and 70 KB, and the smaller sizes a camera sends.
 const std::vector<Sample>& Samples() {
     static const std::vector<Sample> samples = [] {
         std::vector<Sample> made;
         const auto add = [&](int width, int height, int noise, int quality) {
             const auto picture = marvolen::bench::MakePhotograph(width, height, noise);
-            Bytes jpeg = EncodeJpeg(picture, quality);
+            Bytes jpeg = marvolen::bench::EncodeJpeg(picture, quality);
             std::string name = std::to_string(width) + "x" + std::to_string(height) + "/" +
                                std::to_string((jpeg.size() + 512) / 1024) + "KB";
             made.push_back({std::move(name), std::move(jpeg), width, height});

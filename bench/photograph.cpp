@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <turbojpeg.h>
 
 namespace marvolen::bench {
 namespace {
@@ -60,6 +61,18 @@ Picture MakePhotograph(int width, int height, int noise, unsigned seed) {
         }
     }
     return picture;
+}
+
+std::vector<std::uint8_t> EncodeJpeg(const Picture& picture, int quality) {
+    const tjhandle encoder = tjInitCompress();
+    unsigned char* jpeg = nullptr;
+    unsigned long size = 0;
+    tjCompress2(encoder, picture.rgb.data(), picture.width, 0, picture.height, TJPF_RGB, &jpeg,
+                &size, TJSAMP_420, quality, 0);
+    std::vector<std::uint8_t> bytes(jpeg, jpeg + size);
+    tjFree(jpeg);
+    tjDestroy(encoder);
+    return bytes;
 }
 
 }  // namespace marvolen::bench

@@ -17,4 +17,7 @@ struct Picture {
 // the same picture.
 Picture MakePhotograph(int width, int height, int noise = 6, unsigned seed = 1);
 
+// The picture as a JPEG image, 4:2:0, of quality 1 to 100.
+std::vector<std::uint8_t> EncodeJpeg(const Picture& picture, int quality);
+
 }  // namespace marvolen::bench

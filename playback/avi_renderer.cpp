@@ -45,7 +45,6 @@ bool AviRenderer::OpenAvi(std::int32_t width, std::int32_t height) {
     if (!aviFile.Create(path, width, height)) return false;
     report.files.push_back({std::move(path), 0});
     bytesWritten = 0;
-    frameIndex = 0;
     aviOpen = true;
     aviWidth = width;
     aviHeight = height;
@@ -57,7 +56,7 @@ void AviRenderer::WriteAviFrame(const CapturedFrame& frame) {
         report.writeFailed = true;
         return;
     }
-    report.files.back().samples = ++frameIndex;
+    report.files.back().samples = aviFile.Samples();
     bytesWritten += frame.length;
 }
 

@@ -96,7 +96,6 @@ private:
     AviWriter aviFile;
     const std::uint32_t splitBytes;
     std::uint32_t bytesWritten = 0;  // of pictures, to the file being written
-    std::uint32_t frameIndex = 0;    // the next sample's number in it
     std::uint32_t fileSequence = 0;  // of the last split file, in all renders
     RenderHost& host;
     RenderReport report;

@@ -9,7 +9,7 @@ packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libxcb1-dev fonts-dejavu-core
   libgtest-dev libbenchmark-dev libturbojpeg0-dev
-  xvfb xauth xdotool imagemagick x11-utils
+  xvfb xauth xdotool imagemagick x11-utils ffmpeg
 )
 case ${1:-} in
   "") ;;

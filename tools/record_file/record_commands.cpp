@@ -3,13 +3,14 @@
 #include "platform/native_path.h"
 #include "record/record_verifier.h"
 #include "tools/record_file/json_text.h"
+#include "tools/record_file/plain_text.h"
+#include "tools/record_file/record_cursor.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <iomanip>
-#include <optional>
 #include <ostream>
 
 namespace marvolen {
@@ -24,7 +25,14 @@ constexpr const char* kHelp =
   record_file verify [--json] FILE          checks everything; each finding, and each note of a
                                             record that is no picture, is a line that begins
                                             with its position in the file
+  record_file export FILE OUT.avi [--first A] [--last B] [--quiet]
+                                            writes the records A to B, both included, to an AVI
+                                            file and lists the files it took: more than one where
+                                            the pictures' size changes, or for more than 1020 MiB
   record_file --help                        this text
+
+A and B are numbers as list shows them, or times such as "2026/11/23 01:52:22": the first record that
+isn't before A, the last that isn't after B. Without them everything is written.
 
 Files are opened read-only and never changed. A file that is being recorded or played back can't be
 looked into; while it is looked into, it can be neither: a channel opened during a long verify
@@ -32,7 +40,8 @@ doesn't open, nor record, until Marvolen tries it again. A path such as c:\chl01
 means to Marvolen.
 
 Exit status: 0 done, and for verify the file is sound; 1 the file is damaged, is no record file or
-has no such record; 2 wrong usage, or a file that can't be opened or written.
+has no such record; 2 wrong usage, a file that can't be opened or written, or an export that was
+stopped.
 )";
 
 struct Invocation {
@@ -50,50 +59,10 @@ struct RecordSummary {
     bool whole = false;  // the chain could be followed to its end
 };
 
-struct FoundRecord {
-    std::uint64_t number;
-    IndexEntry entry;
-};
-
 std::string StampText(const SYSTEMTIME& stamp) {
     std::array<char, 8> milliseconds;
     std::snprintf(milliseconds.data(), milliseconds.size(), ".%.3u", unsigned{stamp.milliseconds});
     return FormatTime(stamp) + milliseconds.data();
-}
-
-std::string Counted(std::uint64_t number, const char* what) {
-    return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
-}
-
-const char* Reason(FileOpenError error) {
-    switch (error) {
-        case FileOpenError::kMissing:
-            return "no such file";
-        case FileOpenError::kInUse:
-            return "in use by a recorder or another program";
-        case FileOpenError::kNotAFile:
-            return "not a file";
-        default:
-            return "can't be opened";
-    }
-}
-
-// Calls visit(record) for every record that the chain leads to until it returns false. False when
-// the chain is damaged.
-template <typename Visit>
-bool ForEachRecord(RecordScan& scan, Visit visit) {
-    std::uint64_t position = 0;
-    std::uint64_t number = 0;
-    ChunkBlock block;
-    scan.Rewind();
-    for (;;) {
-        const RecordScan::Step step = scan.Next(position, block);
-        if (step != RecordScan::Step::kChunk) return step == RecordScan::Step::kEnd;
-        const std::uint32_t count = std::min(block.header.count, kChunkEntries);
-        for (std::uint32_t k = 0; k < count; ++k, ++number) {
-            if (!visit(FoundRecord{number, block.entries[k]})) return true;
-        }
-    }
 }
 
 class RecordTool {
@@ -103,7 +72,7 @@ public:
 
     int Run() {
         if (!scan.Open(MapDrivePath(path))) {
-            return Fail(kRecordToolFailed, Reason(scan.OpenError()));
+            return Fail(kRecordToolFailed, OpenErrorText(scan.OpenError()));
         }
         if (invocation.command == "verify") return Verify();
         if (!scan.IsRing()) return Fail(kRecordToolDamaged, "not a record file, or damaged");
@@ -208,18 +177,19 @@ int RecordTool::List() {
     } else {
         out << "  Number  Stamp                      Length        Position\n";
     }
-    const bool whole = ForEachRecord(scan, [&](const FoundRecord& record) {
-        const std::string stamp = StampText(record.entry.stamp);
+    RecordCursor record(scan);
+    while (record.Next()) {
+        const std::string stamp = StampText(record.Entry().stamp);
         if (invocation.json) {
-            out << (record.number == 0 ? "\n" : ",\n") << "{\"number\": " << record.number
-                << ", \"stamp\": " << JsonText(stamp) << ", \"length\": " << record.entry.length
-                << ", \"position\": " << record.entry.pos << '}';
+            out << (record.Number() == 0 ? "\n" : ",\n") << "{\"number\": " << record.Number()
+                << ", \"stamp\": " << JsonText(stamp) << ", \"length\": " << record.Entry().length
+                << ", \"position\": " << record.Entry().pos << '}';
         } else {
-            out << std::setw(8) << record.number << "  " << stamp << std::setw(10)
-                << record.entry.length << std::setw(16) << record.entry.pos << '\n';
+            out << std::setw(8) << record.Number() << "  " << stamp << std::setw(10)
+                << record.Entry().length << std::setw(16) << record.Entry().pos << '\n';
         }
-        return true;
-    });
+    }
+    const bool whole = record.ChainIsWhole();
     if (invocation.json) out << "], \"whole\": " << (whole ? "true" : "false") << "}\n";
     return ChainStatus(whole);
 }
@@ -233,29 +203,27 @@ int RecordTool::Extract() {
         err << digits << ": not a record number\n";
         return kRecordToolFailed;
     }
-    std::optional<IndexEntry> found;
-    ForEachRecord(scan, [&](const FoundRecord& record) {
-        if (record.number == number) found = record.entry;
-        return !found;
-    });
-    if (!found) return Fail(kRecordToolDamaged, "no record " + digits);
-    const RingGeometry& ring = scan.Ring();
-    if (!ring.Holds(found->pos) || !ring.Fits(scan.Header().head, found->pos, found->length)) {
+    RecordCursor record(scan);
+    do {
+        if (!record.Next()) return Fail(kRecordToolDamaged, "no record " + digits);
+    } while (record.Number() < number);
+    if (!record.IsWhole()) {
         return Fail(kRecordToolDamaged, "record " + digits + " isn't whole in the file");
     }
+    const IndexEntry& found = record.Entry();
 
     // The hold on the record file keeps this from being the same file under another name.
     const std::string& target = invocation.operands[2];
     FileHandle picture;
     if (!picture.Create(MapDrivePath(target))) {
-        err << target << ": " << Reason(picture.OpenError()) << '\n';
+        err << target << ": " << OpenErrorText(picture.OpenError()) << '\n';
         return kRecordToolFailed;
     }
     std::array<std::uint8_t, 65536> piece;
-    for (std::uint64_t done = 0; done < found->length;) {
+    for (std::uint64_t done = 0; done < found.length;) {
         const auto n =
-            static_cast<std::uint32_t>(std::min<std::uint64_t>(piece.size(), found->length - done));
-        if (!scan.ReadAt(ring.Advance(found->pos, done), piece.data(), n)) {
+            static_cast<std::uint32_t>(std::min<std::uint64_t>(piece.size(), found.length - done));
+        if (!scan.ReadAt(scan.Ring().Advance(found.pos, done), piece.data(), n)) {
             return Fail(kRecordToolDamaged, "record " + digits + " can't be read");
         }
         std::uint32_t put = 0;
@@ -297,9 +265,9 @@ int RecordTool::Verify() {
             out << note.position << ": note: " << note.text << '\n';
         }
         out << path << ": " << (result.Sound() ? "sound" : "damaged") << ", "
-            << Counted(result.chunks, "chunk") << ", " << Counted(result.records, "record");
-        if (!result.Sound()) out << ", " << Counted(result.findings.size(), "finding");
-        if (!result.notes.empty()) out << ", " << Counted(result.notes.size(), "note");
+            << CountedText(result.chunks, "chunk") << ", " << CountedText(result.records, "record");
+        if (!result.Sound()) out << ", " << CountedText(result.findings.size(), "finding");
+        if (!result.notes.empty()) out << ", " << CountedText(result.notes.size(), "note");
         out << '\n';
     }
     return result.Sound() ? kRecordToolDone : kRecordToolDamaged;
@@ -327,10 +295,14 @@ bool Understand(const std::vector<std::string>& arguments, Invocation& invocatio
 
 }  // namespace
 
-int RunRecordTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+int RunRecordTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+                  ProgressBar bar) {
     if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
         out << kHelp;
         return kRecordToolDone;
+    }
+    if (!arguments.empty() && arguments[0] == "export") {
+        return RunExportCommand({arguments.begin() + 1, arguments.end()}, out, err, bar);
     }
     Invocation invocation;
     if (!Understand(arguments, invocation)) {

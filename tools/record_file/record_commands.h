@@ -2,6 +2,8 @@
 
 // The record_file program: looks into record files without ever changing them.
 
+#include "tools/record_file/export_command.h"
+
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -14,7 +16,8 @@ inline constexpr int kRecordToolDamaged = 1;  // damaged, no record file, or no 
 inline constexpr int kRecordToolFailed = 2;   // wrong usage, or a file that can't be had
 
 // Runs the program with the arguments after its name and returns its exit status. Results go to
-// out, what went wrong to err.
-int RunRecordTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+// out; what went wrong, and the bar, to err.
+int RunRecordTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+                  ProgressBar bar = ProgressBar::kHidden);
 
 }  // namespace marvolen

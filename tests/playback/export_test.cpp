@@ -1,0 +1,233 @@
+// record_file export: which records it takes, that playback gives the same bytes, and what
+// independent players make of them.
+
+#include "jpeg/picture_size.h"
+#include "playback/split_name.h"
+#include "tests/playback/checked_avi.h"
+#include "tests/playback/playing_host.h"
+#include "tests/record/record_fixture.h"
+#include "tools/record_file/record_commands.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <sstream>
+
+namespace marvolen::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> Corpus() {
+    std::vector<std::string> pictures;
+    for (const auto& entry : fs::directory_iterator(JPEG_CORPUS)) {
+        if (entry.path().extension() == ".jpg") pictures.push_back(ReadWholeFile(entry.path()));
+    }
+    std::sort(pictures.begin(), pictures.end());
+    EXPECT_GT(pictures.size(), 100U);
+    return pictures;
+}
+
+class ExportTest : public RecordFixture {
+protected:
+    // The k-th record is stamped 08:15:00 and 400 ms times k.
+    static SYSTEMTIME TimeOf(std::size_t k) {
+        SYSTEMTIME time{2026, 11, 1, 23, 8, 15, 0, 0};
+        time.minute = static_cast<std::uint16_t>(15 + k / 150);
+        time.second = static_cast<std::uint16_t>(k % 150 * 2 / 5);
+        time.milliseconds = static_cast<std::uint16_t>(k % 5 * 400 % 1000);
+        return time;
+    }
+    bool AppendPicture(const std::string& bytes) {
+        const FramePtr frame = pool.Acquire();
+        std::copy(bytes.begin(), bytes.end(), frame->Data());
+        frame->SetLength(static_cast<std::uint32_t>(bytes.size()));
+        frame->SetTime(TimeOf(pictures.size()));
+        pictures.push_back(bytes);
+        return file->WriteFrame(*frame);
+    }
+    // Records pictures of the corpus, each with its number in a comment.
+    void Record(const char* name, int count) {
+        for (; count > 0; --count) {
+            std::string picture = ReadWholeFile(std::string(JPEG_CORPUS "/") + name + ".jpg");
+            picture.insert(2, Words({0x0600FEFF, pictures.size()}));
+            ASSERT_TRUE(AppendPicture(picture));
+        }
+    }
+    // With options divided by "|".
+    int Export(const std::string& options = "") {
+        std::vector<std::string> arguments = {"export", path, "out.avi"};
+        std::istringstream text(options);
+        for (std::string option; std::getline(text, option, '|');) arguments.push_back(option);
+        std::ostringstream results;
+        std::ostringstream complaints;
+        const int status = RunRecordTool(arguments, results, complaints);
+        out = results.str();
+        err = complaints.str();
+        return status;
+    }
+    // What a player prints. It may complain of stream 1 only: plain text is no codec to it.
+    static std::string Play(const std::string& command) {
+        EXPECT_EQ(std::system((command + " > printed 2> complaints").c_str()), 0) << command;
+        std::istringstream complaints(ReadWholeFile("complaints"));
+        for (std::string line; std::getline(complaints, line);) {
+            EXPECT_TRUE(line.find("stream 1") != line.npos || line.starts_with("Consider increas"))
+                << command << ": " << line;
+        }
+        return ReadWholeFile("printed");
+    }
+
+    std::vector<std::string> pictures;  // appended so far
+    std::string out;
+    std::string err;
+};
+
+TEST_F(ExportTest, WritesTheRecordsFromAToB) {
+    ASSERT_TRUE(Create(1048576));
+    Record("flat", 700);
+    Close();
+    for (const auto& [options, from, to] :
+         {std::tuple{"", 0U, 699U},
+          {"--first|0|--last|0", 0, 0},
+          {"--last|601|--first|598", 598, 601},
+          {"--first|2026/11/23 08:15:01|--last|2026/11/23 08:15:01", 3, 4},
+          {"--first|2026/11/23 08:15:01.201|--last|2026/11/23 08:15:02.000", 4, 5},
+          {"--first|2026/11/23 08:19:39|--last|2100/12/31 23:59:59", 698, 699}}) {
+        ASSERT_EQ(Export(options), 0) << err;
+        const CheckedAvi avi = CheckAvi("out.avi");
+        ASSERT_TRUE(avi.sound) << options;
+        ASSERT_EQ(avi.samples[1].size(), to - from + 1) << options;
+        EXPECT_EQ(avi.samples[1].front(), FormatTime(TimeOf(from)) + '\0');
+        EXPECT_EQ(avi.samples[0].front(), pictures[from]);
+        EXPECT_EQ(avi.samples[0].back(), pictures[to]);
+    }
+    EXPECT_EQ(Export("--quiet"), 0);
+    EXPECT_EQ(out + err, "");
+    fs::remove("out.avi");
+    for (const char* wrong :
+         {"--first|700", "--last|18446744073709551615", "--first|3|--last|2",
+          "--first|2026/11/23 08:15:00.801|--last|2026/11/23 08:15:00.900", "--first", "--first|-1",
+          "--first|2026/11/23 08:15:0x", "--json", "more"}) {
+        EXPECT_NE(Export(wrong), 0) << wrong;
+        EXPECT_TRUE(!err.empty() && !fs::exists("out.avi")) << wrong;
+    }
+    fs::copy(path, "out.avi");
+    EXPECT_EQ(Export(), 2);
+    EXPECT_EQ(ReadWholeFile("out.avi"), ReadWholeFile(path)) << "a recording is not replaced";
+    fs::remove("out.avi");
+    fs::create_directory("out.avi");
+    EXPECT_EQ(Export(), 2);
+    EXPECT_EQ(err, "out.avi: Error Creating AVI\n");
+}
+
+TEST_F(ExportTest, EndsWithAWholeFileWhenAsked) {
+    ASSERT_TRUE(Create(1048576));
+    Record("flat", 2);
+    Close();
+    // Ctrl+C, pressed as the bar is drawn behind the first picture.
+    class Interrupt : public std::stringbuf {
+        int sync() override { return std::raise(SIGINT); }
+    } interrupt;
+    std::ostream bar(&interrupt);
+    EXPECT_EQ(RunRecordTool({"export", path, "out.avi"}, bar, bar, ProgressBar::kDrawn), 2);
+    EXPECT_TRUE(CheckAvi("out.avi").sound);
+    EXPECT_EQ(CheckAvi("out.avi").samples[0], std::vector{pictures[0]});
+}
+
+// Of records that no camera sends, too: those that don't decode, and those that can't be read.
+TEST_F(ExportTest, GivesTheBytesThatPlaybackGives) {
+    ASSERT_TRUE(Create(8388608));
+    for (const std::string& picture : Corpus()) ASSERT_TRUE(AppendPicture(picture));
+    Record("large_2x2", 20);
+    Close();
+    Patch(24 + 40 + 5 * 32 + 8, std::uint64_t{kFrameCapacity + 1});  // record 5's length
+    Patch(24 + 40 + 7 * 32, std::uint64_t{3});                       // record 7's position
+    std::vector<std::string> played;
+    {
+        PlayingHost host;
+        ASSERT_TRUE(host.Open(path));
+        AviRenderer renderer(host);
+        renderer.Render();
+        for (const RenderedFile& written : renderer.Report().files) {
+            EXPECT_TRUE(CheckAvi(written.path).sound);
+            played.push_back(ReadWholeFile(written.path));
+        }
+        EXPECT_GT(renderer.Report().skipped, 0U);
+    }
+    EXPECT_GT(played.size(), 10U);
+    EXPECT_EQ(Export("--first|1"), 1);
+    EXPECT_NE(err.find("2 records can't be read"), err.npos);
+    for (std::uint32_t k = 0; k < played.size(); ++k) {
+        EXPECT_TRUE(ReadWholeFile(k == 0 ? "out.avi" : SplitName("out.avi", k)) == played[k]) << k;
+    }
+}
+
+// The end of the record at the ring's turn is gone; another one's bytes stand where it would go on.
+TEST_F(ExportTest, WritesNoWrongBytesOfAFileThatWasCut) {
+    ASSERT_TRUE(Create(24 + 1000000));
+    Record("standard_2x2", 1500);
+    Close();
+    Cut(Size() - 10);
+    EXPECT_EQ(Export(), 1);
+    EXPECT_NE(err.find("1 record can't be read"), err.npos);
+    const std::vector<std::string> written = CheckAvi("out.avi").samples[0];
+    EXPECT_EQ(written.size(), 900U);
+    for (const std::string& picture : written) {
+        EXPECT_EQ(std::count(pictures.begin(), pictures.end(), picture), 1);
+    }
+}
+
+TEST_F(ExportTest, FindsTheSizesThatTheDecoderGives) {
+    std::mt19937 random(5);
+    const auto any = [&](std::size_t below) { return random() % below; };
+    PictureSizeReader sizes;
+    for (const std::string& picture : Corpus()) {
+        for (int turn = 0; turn < 8; ++turn) {
+            std::string bytes = picture;
+            for (int k = turn / 2; k > 0 && !bytes.empty(); --k) {
+                bytes[any(std::min<std::size_t>(bytes.size(), 700))] = static_cast<char>(any(256));
+            }
+            if (turn == 7) bytes.resize(bytes.size() / 2);
+            const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+            int width = 0;
+            int height = 0;
+            DibImage image;
+            const bool found = sizes.Read(data, bytes.size(), width, height);
+            ASSERT_EQ(found, image.DecodeJpeg(data, bytes.size()) == 1);
+            ASSERT_TRUE(!found || (width == image.Width() && height == image.Height()));
+        }
+    }
+}
+
+TEST_F(ExportTest, IsPlayedByOthers) {
+    ASSERT_TRUE(Create(4194304));
+    Record("standard_2x2", 100);
+    Record("other_64x64", 10);
+    Close();
+    ASSERT_EQ(Export(), 0);
+    EXPECT_EQ(out, "out.avi: 100 pictures\nout-01.avi: 10 pictures\n");
+    const std::string probe =
+        "ffprobe -v warning -count_packets -of csv=p=0 -show_entries stream=codec_type,codec_name,"
+        "codec_tag_string,width,height,r_frame_rate,nb_read_packets ";
+    EXPECT_EQ(Play(probe + "out.avi"),
+              "mjpeg,video,MJPG,35,37,30000/1001,100\n"
+              "unknown,subtitle,[0][0][0][0],N/A,N/A,0/0,100\n");
+    const std::string play = "ffmpeg -v warning -i out.avi ";
+    EXPECT_EQ(Play(play + "-c copy -map 0:0 -f rawvideo -"),
+              std::accumulate(pictures.begin(), pictures.end() - 10, std::string()));
+    std::string texts;
+    for (std::size_t k = 0; k < 100; ++k) texts += FormatTime(TimeOf(k)) + '\0';
+    EXPECT_EQ(Play(play + "-c copy -map 0:1 -f data -"), texts);
+    Play("ffmpeg -v warning -i out-01.avi -map 0:0 -f null -");  // decodes every picture
+    for (const std::size_t k : {0U, 1U, 42U, 99U}) {
+        const double seconds = (static_cast<double>(k) - 0.4) * 1001 / 30000;
+        EXPECT_EQ(Play("ffmpeg -v warning -ss " + std::to_string(seconds) +
+                       " -i out.avi -map 0:0 -c copy -frames:v 1 -f rawvideo -"),
+                  pictures[k])
+            << k;
+    }
+}
+
+}  // namespace
+}  // namespace marvolen::test
