@@ -5,7 +5,7 @@
 #include "net/frame_pool.h"
 #include "platform/dialog.h"
 #include "platform/ui_activity.h"
-#include "tests/display/gated_decoder.h"
+#include "tests/display/pane_fixture.h"
 
 namespace marvolen {
 namespace {
