@@ -1,5 +1,7 @@
 #include "platform/termination.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QSocketNotifier>
 
 #include <array>
@@ -20,6 +22,8 @@ constexpr std::array<int, 3> kSignals = {SIGTERM, SIGINT, SIGHUP};
 volatile sig_atomic_t g_signalEvent = -1;
 std::array<struct sigaction, kSignals.size()> g_formerActions;
 
+const TerminationWatcher* g_watcher = nullptr;  // the one there is; interface thread
+
 extern "C" void OnTerminationSignal(int) {
     const int savedErrno = errno;
     const std::uint64_t one = 1;
@@ -31,6 +35,8 @@ extern "C" void OnTerminationSignal(int) {
 
 TerminationWatcher::TerminationWatcher(std::function<void()> onTerminate)
     : terminate(std::move(onTerminate)) {
+    g_watcher = this;
+    QCoreApplication::instance()->installEventFilter(this);
     g_signalEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (g_signalEvent < 0) return;
     auto* notifier = new QSocketNotifier(g_signalEvent, QSocketNotifier::Read, this);
@@ -47,6 +53,7 @@ TerminationWatcher::TerminationWatcher(std::function<void()> onTerminate)
 }
 
 TerminationWatcher::~TerminationWatcher() {
+    g_watcher = nullptr;
     if (g_signalEvent < 0) return;
     for (std::size_t k = 0; k < kSignals.size(); ++k) {
         sigaction(kSignals[k], &g_formerActions[k], nullptr);
@@ -59,7 +66,19 @@ TerminationWatcher::~TerminationWatcher() {
 
 void TerminationWatcher::Drain() {
     std::uint64_t count = 0;
-    if (read(g_signalEvent, &count, sizeof count) == sizeof count) terminate();
+    if (read(g_signalEvent, &count, sizeof count) != sizeof count) return;
+    endRequested = true;
+    terminate();
+}
+
+bool TerminationWatcher::IsEndRequested() {
+    return g_watcher && g_watcher->endRequested;
+}
+
+// The toolkit's own request, with which it closes all windows: the session's manager ends us.
+bool TerminationWatcher::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::Quit) endRequested = true;
+    return false;
 }
 
 }  // namespace marvolen

@@ -17,10 +17,19 @@ public:
     explicit TerminationWatcher(std::function<void()> onTerminate);
     ~TerminationWatcher() override;
 
+    // Interface thread: whether a signal has asked for the end, or the session ends, since the
+    // object there is was made. For work that keeps the interface thread, and lets no window close
+    // meanwhile: it cuts itself short then, and ends what it kept from ending.
+    static bool IsEndRequested();
+
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+
 private:
     void Drain();
 
     const std::function<void()> terminate;
+    bool endRequested = false;
 };
 
 }  // namespace marvolen

@@ -1,0 +1,56 @@
+#include "platform/input_dropper.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+
+namespace marvolen {
+namespace {
+
+constexpr qint64 kTurnMilliseconds = 15;  // between two turns: a repaint of most screens
+
+}  // namespace
+
+InputDropper::InputDropper() {
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+InputDropper::~InputDropper() {
+    QGuiApplication::sync();  // fetches what the window system still has for us
+}
+
+void InputDropper::GiveTurn() {
+    if (sinceTurn.isValid() && sinceTurn.elapsed() < kTurnMilliseconds) return;
+    QCoreApplication::processEvents();
+    sinceTurn.start();
+}
+
+bool InputDropper::eventFilter(QObject*, QEvent* event) {
+    switch (event->type()) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::Shortcut:
+        case QEvent::ShortcutOverride:
+        case QEvent::InputMethod:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::ContextMenu:
+        case QEvent::Wheel:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TabletPress:
+        case QEvent::TabletMove:
+        case QEvent::TabletRelease:
+        case QEvent::NativeGesture:
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+        case QEvent::Drop:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace marvolen
