@@ -10,6 +10,7 @@ void SetUp(QFileDialog& dialog, const FileChooserOptions& options) {
     if (!options.title.isEmpty()) dialog.setWindowTitle(options.title);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilters(NameFilters(options.filters));
+    dialog.setDefaultSuffix(options.defaultExtension);
 }
 
 std::optional<std::string> Run(QFileDialog& dialog) {
@@ -46,7 +47,6 @@ std::optional<std::string> ChooseFileToSave(QWidget* parent, const FileChooserOp
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite, !options.asksBeforeOverwriting);
-    dialog.setDefaultSuffix(options.defaultExtension);
     dialog.selectFile(options.initialName);
     return Run(dialog);
 }

@@ -21,9 +21,11 @@ struct FileChooserOptions {
     // semicolons; "*.*" is every file, with or without a dot. The first pair counts at first.
     QString filters;
 
-    // Saving only: what a name without a dot is completed by ("dbt"; empty: nothing), the name
-    // proposed, and whether the user is asked before he takes a file that exists.
+    // What a name that is typed without a dot is completed by ("dbt"; empty: nothing).
     QString defaultExtension;
+
+    // Saving only: the name proposed, and whether the user is asked before he takes a file that
+    // exists.
     QString initialName;
     bool asksBeforeOverwriting = true;
 };
