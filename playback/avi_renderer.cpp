@@ -2,6 +2,7 @@
 
 #include "platform/native_path.h"
 #include "playback/split_name.h"
+#include "record/record_scan.h"
 
 namespace marvolen {
 
@@ -42,7 +43,8 @@ bool AviRenderer::Write(const CapturedFrame& frame) {
 
 bool AviRenderer::OpenAvi(std::int32_t width, std::int32_t height) {
     std::string path = NativePath(outputName);
-    if (!aviFile.Create(path, width, height)) return false;
+    // In place of a recording: a mistake that would cost it.
+    if (IsRecordFile(path) || !aviFile.Create(path, width, height)) return false;
     report.files.push_back({std::move(path), 0});
     bytesWritten = 0;
     aviOpen = true;

@@ -5,7 +5,8 @@
 // It goes through the selection position by position, has its host show each one, and writes the
 // picture that was then captured, its bytes as they were recorded. A file ends when the size of the
 // pictures changes and when it has more than splitBytes of them; the next one's name is numbered.
-// Pictures without a size couldn't be decoded and are left out.
+// Pictures without a size couldn't be decoded and are left out. Other files of the same names are
+// replaced, but not recordings.
 //
 // The host is the dialog, or whatever else has records to show: one renderer, so that the same
 // records give the same bytes. Runs to its end on the thread that calls it.
@@ -76,6 +77,10 @@ public:
     // a file can't be created the host complains and the render ends; files completed before
     // remain. A sample that the disk doesn't take is left out, and the render goes on.
     void Render();
+
+    // For a program that ends from within a call to the host, and never returns to Render: closes
+    // the file being written with the samples it has.
+    void Abandon() { CloseAvi(); }
 
     // Of the latest render.
     const RenderReport& Report() const { return report; }

@@ -63,4 +63,9 @@ bool RecordScan::ReadAt(std::uint64_t position, void* buffer, std::uint32_t leng
     return file.Seek(kRingDataStart) && file.Read(bytes + beforeEnd, rest, got) && got == rest;
 }
 
+bool IsRecordFile(const std::string& path) {
+    RecordScan scan;
+    return scan.Open(path) && scan.IsRing();
+}
+
 }  // namespace marvolen

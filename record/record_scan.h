@@ -58,4 +58,7 @@ private:
     std::string why;
 };
 
+// Whether there is a record file at a native path: one that nobody holds, whatever its state.
+bool IsRecordFile(const std::string& path);
+
 }  // namespace marvolen

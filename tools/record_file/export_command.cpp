@@ -144,12 +144,6 @@ void RecordExport::DrawBar() {
         << std::flush;
 }
 
-// As OUT.avi, a mistake that would cost a recording. The hold on FILE keeps OUT from being FILE.
-bool IsRecordFile(const std::string& path) {
-    RecordScan scan;
-    return scan.Open(MapDrivePath(path)) && scan.IsRing();
-}
-
 class ExportCommand {
 public:
     ExportCommand(const ExportOptions& chosen, std::ostream& results, std::ostream& complaints)
@@ -181,7 +175,8 @@ int ExportCommand::Run(ProgressBar bar) {
     if (!range || range->last > std::numeric_limits<std::int32_t>::max()) {
         return Fail(kRecordToolDamaged, options.file, "no such records");
     }
-    if (IsRecordFile(options.output)) {
+    // The hold on FILE keeps OUT.avi from being FILE.
+    if (IsRecordFile(MapDrivePath(options.output))) {
         return Fail(kRecordToolFailed, options.output, "a record file; not replaced");
     }
     RecordExport records(scan, *range, options, err, bar);
