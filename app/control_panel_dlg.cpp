@@ -141,11 +141,11 @@ QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* layout = MakeLayout<QHBoxLayout>(group);
     QPushButton* setting = MakePlainButton(IDC_SETTING, QStringLiteral("Setting ..."),
                                            QStringLiteral("Setting ... for the channels"));
-    QPushButton* playback = MakePlainButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
-                                            QStringLiteral("Playback ... of recordings"));
-    // Disabled, and no commands, as long as there are no dialogs for them to open.
+    QPushButton* playback = MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
+                                       QStringLiteral("Playback ... of recordings"),
+                                       &CControlPanelDlg::playbackRequested);
+    // Disabled, and no command, as long as there is no dialog for it to open.
     setting->setEnabled(false);
-    playback->setEnabled(false);
     layout->addWidget(setting);
     layout->addWidget(playback);
     return group;

@@ -71,6 +71,7 @@ Q_SIGNALS:
     void stopAllRequested();
     void startAllRequested();
     void aboutRequested();
+    void playbackRequested();
     void cleanLogRequested();
     void saveLogRequested();
     void turnPageRequested(int step);  // -1, +1

@@ -34,7 +34,7 @@ int CMarvolenApp::ExitInstance() {
 }
 
 int CMarvolenApp::OnDisplayGone() {
-    if (mainWindow) mainWindow->Channels().StopAllChannels(CloseFlag::Ordered);
+    if (mainWindow) mainWindow->CloseFiles();
     return CWinApp::OnDisplayGone();
 }
 

@@ -3,6 +3,7 @@
 #include "app/about_dlg.h"
 #include "app/log_export.h"
 #include "app/pane_layout.h"
+#include "playback/playback_dlg.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
 
@@ -91,6 +92,7 @@ void CMarvolenDlg::ConnectPanel() {
     on(&CControlPanelDlg::stopAllRequested, [this] { SetAllRecording(false); });
     on(&CControlPanelDlg::startAllRequested, [this] { SetAllRecording(true); });
     on(&CControlPanelDlg::aboutRequested, &CMarvolenDlg::ShowAbout);
+    on(&CControlPanelDlg::playbackRequested, &CMarvolenDlg::ShowPlayback);
     on(&CControlPanelDlg::cleanLogRequested, [this] { messageLog->Clean(); });
     on(&CControlPanelDlg::saveLogRequested, &CMarvolenDlg::SaveLog);
     on(&CControlPanelDlg::turnPageRequested, &CMarvolenDlg::TurnPage);
@@ -117,6 +119,26 @@ void CMarvolenDlg::Exit() {
 
 void CMarvolenDlg::ShowAbout() {
     if (!IsCovered()) CAboutDlg(this).DoModal();
+}
+
+// The recorders hold the files that are to be played. When the program was asked to end, the window
+// is gone by now, and the channels stay closed.
+void CMarvolenDlg::ShowPlayback() {
+    if (IsCovered()) return;
+    HidePopups();
+    channels.StopAllChannels(CloseFlag::Ordered);
+    {
+        CPlaybackDlg dialog(this, currentChannel);
+        playback = &dialog;
+        dialog.DoModal();
+        playback = nullptr;
+    }
+    if (isVisible()) channels.StartAllChannels();
+}
+
+void CMarvolenDlg::CloseFiles() {
+    channels.StopAllChannels(CloseFlag::Ordered);
+    if (playback) playback->AbandonRender();
 }
 
 void CMarvolenDlg::OnMessage(std::uint32_t message, WPARAM wParam, LPARAM lParam) {

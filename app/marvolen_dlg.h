@@ -23,6 +23,8 @@
 
 namespace marvolen {
 
+class CPlaybackDlg;
+
 class CMarvolenDlg final : public CDialog,
                            private LiveChannelsView,
                            private ChannelTimers,
@@ -50,6 +52,10 @@ public:
 
     // The view chosen in the control panel.
     ViewMode GetViewMode() const { return controlPanel->GetViewMode(); }
+
+    // Closes every channel's files as they are, and the one that is exported to. For a program that
+    // ends from within its event loop; nothing is shown.
+    void CloseFiles();
 
     VideoPane& Pane(int k) { return *panes[static_cast<std::size_t>(k)]; }
     LiveChannels& Channels() { return channels; }
@@ -99,6 +105,7 @@ private:
     void PlaceOnScreen();
     void FitPanel();
     void ShowAbout();
+    void ShowPlayback();
 
     Paging paging;
     int popupPane = -1;                             // whose pop-up was asked for last
@@ -108,6 +115,7 @@ private:
     int currentChannel = 0;                    // the selected pane
     CControlPanelDlg* controlPanel = nullptr;  // child of this window, made by OnInitDialog
     std::optional<MessageLog> messageLog;      // over the panel's list
+    CPlaybackDlg* playback = nullptr;          // while it is open
 };
 
 }  // namespace marvolen

@@ -42,6 +42,22 @@ inline constexpr int IDC_VIEW_16 = 1055;
 inline constexpr int IDC_PAGE_TEXT = 1056;
 inline constexpr int IDC_ENABLE_POPUP = 1064;
 
+// Playback dialog. "Close" is IDCANCEL.
+inline constexpr int IDC_PLAYER_STOP = 1000;
+inline constexpr int IDC_PLAYER_SLIDER = 1006;
+inline constexpr int IDC_PLAYER_OUTPUT = 1008;
+inline constexpr int IDC_PLAYER_PANE = 1023;
+inline constexpr int IDC_PLAYER_NEXT = 1028;
+inline constexpr int IDC_PLAYER_PLAY = 1029;
+inline constexpr int IDC_PLAYER_CHANNEL = 1032;
+inline constexpr int IDC_PLAYER_PREV = 1038;
+inline constexpr int IDC_PLAYER_PAUSE = 1039;
+inline constexpr int IDC_PLAYER_SPEED = 1044;
+inline constexpr int IDC_PLAYER_SELECT_START = 1060;
+inline constexpr int IDC_PLAYER_SELECT_END = 1061;
+inline constexpr int IDC_PLAYER_CHOOSE_OUTPUT = 1062;
+inline constexpr int IDC_PLAYER_RENDER = 1063;
+
 // Pop-up: its edit fields and marks.
 inline constexpr int IDC_POPUP_CHANNEL = 1007;
 inline constexpr int IDC_POPUP_NAME = 1008;

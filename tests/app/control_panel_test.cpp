@@ -103,9 +103,9 @@ TEST_F(ControlPanel, EveryCommandIsReachedByTheTabKey) {
         Key(Qt::Key_Tab);
         reached.insert(ControlId(*QApplication::focusWidget()));
     }
-    for (const int id :
-         {IDC_RECORD_TOGGLE, IDC_STOP_ALL, IDC_START_ALL, IDC_LOGO, IDC_LOG_LIST, IDC_LOG_CLEAN,
-          IDC_LOG_SAVE, IDC_PREVIOUS_PAGE, IDC_NEXT_PAGE, IDC_VIEW_4, IDC_ENABLE_POPUP, IDC_EXIT}) {
+    for (const int id : {IDC_RECORD_TOGGLE, IDC_STOP_ALL, IDC_START_ALL, IDC_LOGO, IDC_PLAYBACK,
+                         IDC_LOG_LIST, IDC_LOG_CLEAN, IDC_LOG_SAVE, IDC_PREVIOUS_PAGE,
+                         IDC_NEXT_PAGE, IDC_VIEW_4, IDC_ENABLE_POPUP, IDC_EXIT}) {
         EXPECT_TRUE(reached.contains(id)) << id;
         EXPECT_FALSE(Control(id)->accessibleName().isEmpty()) << id;
     }

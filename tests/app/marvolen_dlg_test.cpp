@@ -1,11 +1,13 @@
 #include "app/marvolen_dlg.h"
 
 #include "app/about_dlg.h"
+#include "playback/playback_dlg.h"
 #include "tests/app/main_window.h"
 #include "tests/support/process_resources.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QComboBox>
 #include <QTimer>
 
 #include <cstring>
@@ -124,6 +126,38 @@ TEST_F(MainWindow, TheAboutBoxOpensOnceFromLogoAndMenu) {
     logo->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     QCoreApplication::processEvents();
     EXPECT_EQ(seen, 3);
+}
+
+// A recording of the selected channel is played, and goes on when the dialog has closed; when that
+// was the program's end, nothing is opened any more.
+TEST_F(MainWindow, PlaybackHasTheRecordFilesToItself) {
+    Open();
+    window->SelectPane(window->Pane(4));
+    Click(IDC_RECORD_TOGGLE);
+    for (const bool atTheEnd : {false, true}) {
+        ChannelRecorder& recorder = window->Channels().Recorder(4);
+        recorder.TakeFrameCount();
+        std::uint32_t frames = 0;
+        EXPECT_TRUE(WaitUntil([&] { return (frames += recorder.TakeFrameCount()) > 2; }));
+        bool seen = false;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+            auto* dialog = dynamic_cast<CPlaybackDlg*>(QApplication::activeModalWidget());
+            if (!dialog) return;
+            seen = true;
+            for (int k = 0; k < kChannelCount; ++k) {
+                EXPECT_FALSE(window->Channels().Recorder(k).IsOpen());
+            }
+            EXPECT_EQ(dialog->GetDlgItem<QComboBox>(IDC_PLAYER_CHANNEL)->currentIndex(), 4);
+            EXPECT_TRUE(dialog->GetDlgItem(IDC_PLAYER_RENDER)->isEnabled());
+            atTheEnd ? QApplication::closeAllWindows() : dialog->reject();
+        });
+        poll.start(10);
+        Click(IDC_PLAYBACK);
+        EXPECT_TRUE(seen);
+        EXPECT_EQ(recorder.IsOpen(), !atTheEnd);
+        EXPECT_EQ(Recording(), std::set<int>{4});
+    }
 }
 
 }  // namespace

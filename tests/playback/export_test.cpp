@@ -3,9 +3,8 @@
 
 #include "jpeg/picture_size.h"
 #include "playback/split_name.h"
-#include "tests/playback/checked_avi.h"
+#include "tests/playback/picture_recording.h"
 #include "tests/playback/playing_host.h"
-#include "tests/record/record_fixture.h"
 #include "tools/record_file/record_commands.h"
 
 #include <csignal>
@@ -29,32 +28,8 @@ std::vector<std::string> Corpus() {
     return pictures;
 }
 
-class ExportTest : public RecordFixture {
+class ExportTest : public PictureRecording {
 protected:
-    // The k-th record is stamped 08:15:00 and 400 ms times k.
-    static SYSTEMTIME TimeOf(std::size_t k) {
-        SYSTEMTIME time{2026, 11, 1, 23, 8, 15, 0, 0};
-        time.minute = static_cast<std::uint16_t>(15 + k / 150);
-        time.second = static_cast<std::uint16_t>(k % 150 * 2 / 5);
-        time.milliseconds = static_cast<std::uint16_t>(k % 5 * 400 % 1000);
-        return time;
-    }
-    bool AppendPicture(const std::string& bytes) {
-        const FramePtr frame = pool.Acquire();
-        std::copy(bytes.begin(), bytes.end(), frame->Data());
-        frame->SetLength(static_cast<std::uint32_t>(bytes.size()));
-        frame->SetTime(TimeOf(pictures.size()));
-        pictures.push_back(bytes);
-        return file->WriteFrame(*frame);
-    }
-    // Records pictures of the corpus, each with its number in a comment.
-    void Record(const char* name, int count) {
-        for (; count > 0; --count) {
-            std::string picture = ReadWholeFile(std::string(JPEG_CORPUS "/") + name + ".jpg");
-            picture.insert(2, Words({0x0600FEFF, pictures.size()}));
-            ASSERT_TRUE(AppendPicture(picture));
-        }
-    }
     // With options divided by "|".
     int Export(const std::string& options = "") {
         std::vector<std::string> arguments = {"export", path, "out.avi"};
@@ -78,7 +53,6 @@ protected:
         return ReadWholeFile("printed");
     }
 
-    std::vector<std::string> pictures;  // appended so far
     std::string out;
     std::string err;
 };

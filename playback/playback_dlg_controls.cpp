@@ -1,0 +1,189 @@
+// How the Playback dialog is built.
+
+#include "display/pane_geometry.h"
+#include "platform/text_field.h"
+#include "playback/playback_dlg.h"
+#include "res/resource_ids.h"
+
+#include <QBoxLayout>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace marvolen {
+namespace {
+
+constexpr int kSpacing = 4;
+constexpr QSize kFrameAllowance(16, 48);  // what a window's frame takes of the screen
+constexpr int kSpeeds = 5;                // 1 X to 16 X
+
+// A pane for a picture of this size, or a smaller one at least.
+constexpr QSize PaneSize(int width, int height) {
+    return {width + 2 * kFrameWidth, height + kStripHeight + kFrameWidth};
+}
+constexpr QSize kWantedPane = PaneSize(704, 480);
+constexpr QSize kLeastPane = PaneSize(234, 132);  // name and time have room
+
+template <typename Layout>
+Layout* MakeLayout(QWidget* group) {
+    auto* layout = new Layout(group);
+    layout->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
+    layout->setSpacing(kSpacing);
+    return layout;
+}
+
+void MakeEquallyWide(std::initializer_list<QPushButton*> buttons) {
+    int width = 0;
+    for (const QPushButton* button : buttons) width = std::max(width, button->sizeHint().width());
+    for (QPushButton* button : buttons) button->setMinimumWidth(width);
+}
+
+}  // namespace
+
+QPushButton* CPlaybackDlg::MakeButton(int id, const QString& text, const QString& accessibleName,
+                                      void (CPlaybackDlg::*command)()) {
+    auto* button = new QPushButton(text, this);
+    button->setAutoDefault(false);
+    AddControl(button, id, accessibleName);
+    connect(button, &QPushButton::clicked, this, command);
+    return button;
+}
+
+void CPlaybackDlg::MakeControls() {
+    auto* groups = new QVBoxLayout(this);
+    groups->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
+    groups->setSpacing(kSpacing);
+    groups->addWidget(MakeChannelGroup());
+    groups->addWidget(MakeImageGroup(), 1);
+    groups->addLayout(MakeButtonRow());
+    slider = new CRangeSlider(this);
+    AddControl(slider, IDC_PLAYER_SLIDER, QStringLiteral("Position"));
+    connect(slider, &CRangeSlider::scrolled, this,
+            [this](int position) { CarryOut(positions.Scroll(position)); });
+    groups->addWidget(slider);
+    groups->addWidget(MakeRenderingGroup());
+    auto* bottom = new QHBoxLayout;
+    bottom->addStretch();
+    bottom->addWidget(MakeButton(IDCANCEL, QStringLiteral("Close"), QStringLiteral("Close"),
+                                 &CPlaybackDlg::reject));
+    groups->addLayout(bottom);
+}
+
+QWidget* CPlaybackDlg::MakeChannelGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Channel"), this);
+    channelBox = new QComboBox(this);
+    channelBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    AddControl(channelBox, IDC_PLAYER_CHANNEL, QStringLiteral("Channel"));
+    // Whatever the user chooses, the chosen item too: "Other File ..." may be another one now.
+    connect(channelBox, &QComboBox::activated, this, &CPlaybackDlg::ChangeChannel);
+    MakeLayout<QHBoxLayout>(group)->addWidget(channelBox);
+    return group;
+}
+
+QWidget* CPlaybackDlg::MakeImageGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Image"), this);
+    pane = new PreviewPane(this);
+    pane->setMinimumSize(kLeastPane);
+    AddControl(pane, IDC_PLAYER_PANE, QString());
+    MakeLayout<QHBoxLayout>(group)->addWidget(pane);
+    return group;
+}
+
+QBoxLayout* CPlaybackDlg::MakeButtonRow() {
+    stopButton = MakeButton(IDC_PLAYER_STOP, QStringLiteral("Stop"),
+                            QStringLiteral("Stop and go to the start"), &CPlaybackDlg::Stop);
+    playButton = MakeButton(IDC_PLAYER_PLAY, QStringLiteral("Play"), QStringLiteral("Play"),
+                            &CPlaybackDlg::Play);
+    pauseButton = MakeButton(IDC_PLAYER_PAUSE, QStringLiteral("Pause"), QStringLiteral("Pause"),
+                             &CPlaybackDlg::Pause);
+    prevButton = MakeButton(IDC_PLAYER_PREV, QStringLiteral("Prev"),
+                            QStringLiteral("Prev: one picture back"), &CPlaybackDlg::Prev);
+    nextButton = MakeButton(IDC_PLAYER_NEXT, QStringLiteral("Next"),
+                            QStringLiteral("Next: one picture forward"), &CPlaybackDlg::Next);
+    MakeEquallyWide({stopButton, playButton, pauseButton, prevButton, nextButton});
+    auto* label = new QLabel(QStringLiteral("Playback Speed :"), this);
+    speedBox = new QComboBox(this);
+    label->setBuddy(speedBox);
+    AddControl(speedBox, IDC_PLAYER_SPEED, QStringLiteral("Playback Speed"));
+    connect(speedBox, &QComboBox::activated, this, &CPlaybackDlg::SetSpeed);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    for (QPushButton* button : {stopButton, playButton, pauseButton, prevButton, nextButton}) {
+        row->addWidget(button);
+    }
+    row->addStretch();
+    row->addWidget(label);
+    row->addWidget(speedBox);
+    return row;
+}
+
+QWidget* CPlaybackDlg::MakeRenderingGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Rendering To AVI "), this);
+    auto* layout = MakeLayout<QVBoxLayout>(group);
+    layout->addLayout(MakeSelectionRow());
+    layout->addLayout(MakeOutputRow());
+    return group;
+}
+
+QBoxLayout* CPlaybackDlg::MakeSelectionRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    QPushButton* start =
+        MakeButton(IDC_PLAYER_SELECT_START, QStringLiteral("SelStart"),
+                   QStringLiteral("SelStart: select from here"), &CPlaybackDlg::SelectStart);
+    QPushButton* end =
+        MakeButton(IDC_PLAYER_SELECT_END, QStringLiteral("SelEnd"),
+                   QStringLiteral("SelEnd: select up to here"), &CPlaybackDlg::SelectEnd);
+    MakeEquallyWide({start, end});
+    row->addWidget(start);
+    row->addWidget(end);
+    row->addStretch();
+    return row;
+}
+
+QBoxLayout* CPlaybackDlg::MakeOutputRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    row->addWidget(MakeButton(IDC_PLAYER_CHOOSE_OUTPUT, QStringLiteral("Output File..."),
+                              QStringLiteral("Output File... to render to"),
+                              &CPlaybackDlg::ChooseOutput));
+    output = new QLineEdit(this);
+    AddControl(output, IDC_PLAYER_OUTPUT, QStringLiteral("Output file"));
+    connect(output, &QLineEdit::textChanged, this, &CPlaybackDlg::ShowOutputPlace);
+    row->addWidget(output, 1);
+    renderNow = MakeButton(IDC_PLAYER_RENDER, QStringLiteral("Render Now"),
+                           QStringLiteral("Render Now: write the selection to the output file"),
+                           &CPlaybackDlg::RenderNow);
+    row->addWidget(renderNow);
+    return row;
+}
+
+void CPlaybackDlg::FillBoxes() {
+    for (std::size_t k = 0; k < g_channelInfo.size(); ++k) {
+        const QString number = QStringLiteral("%1").arg(k + 1, 2, 10, QLatin1Char('0'));
+        const std::string_view name = FieldText(g_channelInfo[k].netName);
+        channelBox->addItem(QStringLiteral("(%1)%2").arg(
+            number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()))));
+    }
+    channelBox->addItem(QStringLiteral("Other File ..."));
+    channelBox->setCurrentIndex(initialChannel);
+    for (int k = 0; k < kSpeeds; ++k) {
+        speedBox->addItem(QStringLiteral("%1 X").arg(1 << k), static_cast<uint>(1 << k));
+    }
+    speedBox->setCurrentIndex(0);
+}
+
+// As large as a whole picture wants it, where the screen has the room.
+void CPlaybackDlg::FitScreen() {
+    pane->setMinimumSize(kWantedPane);
+    const QSize wanted = minimumSizeHint();
+    pane->setMinimumSize(kLeastPane);
+    resize(wanted.boundedTo(screen()->availableSize() - kFrameAllowance));
+}
+
+}  // namespace marvolen
