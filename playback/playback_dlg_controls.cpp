@@ -29,6 +29,12 @@ constexpr QSize PaneSize(int width, int height) {
 constexpr QSize kWantedPane = PaneSize(704, 480);
 constexpr QSize kLeastPane = PaneSize(234, 132);  // name and time have room
 
+class PlaybackPane final : public PreviewPane {
+public:
+    explicit PlaybackPane(QWidget* parent) : PreviewPane(parent) { setMinimumSize(kLeastPane); }
+    QSize sizeHint() const override { return kWantedPane; }
+};
+
 template <typename Layout>
 Layout* MakeLayout(QWidget* group) {
     auto* layout = new Layout(group);
@@ -87,8 +93,7 @@ QWidget* CPlaybackDlg::MakeChannelGroup() {
 
 QWidget* CPlaybackDlg::MakeImageGroup() {
     auto* group = new QGroupBox(QStringLiteral("Image"), this);
-    pane = new PreviewPane(this);
-    pane->setMinimumSize(kLeastPane);
+    pane = new PlaybackPane(this);
     AddControl(pane, IDC_PLAYER_PANE, QString());
     MakeLayout<QHBoxLayout>(group)->addWidget(pane);
     return group;
@@ -180,10 +185,7 @@ void CPlaybackDlg::FillBoxes() {
 
 // As large as a whole picture wants it, where the screen has the room.
 void CPlaybackDlg::FitScreen() {
-    pane->setMinimumSize(kWantedPane);
-    const QSize wanted = minimumSizeHint();
-    pane->setMinimumSize(kLeastPane);
-    resize(wanted.boundedTo(screen()->availableSize() - kFrameAllowance));
+    resize(sizeHint().boundedTo(screen()->availableSize() - kFrameAllowance));
 }
 
 }  // namespace marvolen

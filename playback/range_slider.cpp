@@ -85,8 +85,10 @@ void CRangeSlider::paintEvent(QPaintEvent*) {
     groove.subControls = QStyle::SC_SliderGroove;
     groove.sliderPosition = option.minimum;
     painter.drawComplexControl(QStyle::CC_Slider, groove);
-    PaintTicks(painter, Thumb(option).bottom() + kTickGap);
-    PaintRange(painter, Thumb(option).center().y() - kRangeHeight / 2);
+    if (maximum() > 0) {
+        PaintTicks(painter, Thumb(option).bottom() + kTickGap);
+        PaintRange(painter, Thumb(option).center().y() - kRangeHeight / 2);
+    }
     option.subControls = QStyle::SC_SliderHandle;
     option.activeSubControls = pressed;
     painter.drawComplexControl(QStyle::CC_Slider, option);
