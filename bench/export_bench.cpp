@@ -8,7 +8,7 @@
 // pictures from memory; ratio is the chain's speed divided by the decoder's.
 
 #include "bench/photograph.h"
-#include "tests/playback/playing_host.h"
+#include "bench/playing_host.h"
 #include "tools/record_file/record_commands.h"
 
 #include <algorithm>

@@ -91,18 +91,6 @@ TEST_F(AviRendererTest, WritesTheSelectionAndNumbersFurtherFiles) {
     EXPECT_EQ(Render("c:\\stopped.avi"), "drive_c/stopped.avi 352x240 ab");
 }
 
-// Takes a gigabyte on the disk, three in memory, and in a debug build its time.
-TEST_F(AviRendererTest, DISABLED_SplitsBehind1020MiBOfPictures) {
-    Add(704, 480, 204800);
-    selection.end = 5224;
-    AviRenderer unlimited(*this);
-    output = "out.avi";
-    unlimited.Render();
-    EXPECT_EQ(CheckAvi("out.avi").samples[0].size(), 1069547520U / 204800 + 1);
-    EXPECT_EQ(CheckAvi("out-01.avi").samples[0].size(), 2U);
-    EXPECT_TRUE(CheckAvi("out.avi").sound && CheckAvi("out-01.avi").sound);
-}
-
 TEST_F(AviRendererTest, NamesFurtherFilesBeforeTheExtension) {
     for (const auto& [name, split] : {std::pair{"C:\\chl01.avi", "C:\\chl01-07.avi"},
                                       {"/a.b/c.d.avi", "/a.b/c.d-07.avi"},

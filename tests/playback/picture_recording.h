@@ -7,6 +7,17 @@
 
 namespace marvolen::test {
 
+// The decoder's corpus: pictures of all kinds, and what only looks like one.
+inline std::vector<std::string> Corpus() {
+    std::vector<std::string> pictures;
+    for (const auto& entry : std::filesystem::directory_iterator(JPEG_CORPUS)) {
+        if (entry.path().extension() == ".jpg") pictures.push_back(ReadWholeFile(entry.path()));
+    }
+    std::sort(pictures.begin(), pictures.end());
+    EXPECT_GT(pictures.size(), 100U);
+    return pictures;
+}
+
 class PictureRecording : public RecordFixture {
 protected:
     // The first record is stamped 08:15:00, the others so many milliseconds after each other.
