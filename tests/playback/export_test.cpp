@@ -1,7 +1,5 @@
 // record_file export: which records it takes, and what independent players make of them.
 
-#include "jpeg/dib_image.h"
-#include "jpeg/picture_size.h"
 #include "tests/playback/picture_recording.h"
 #include "tools/record_file/record_commands.h"
 
@@ -95,28 +93,6 @@ TEST_F(ExportTest, EndsWithAWholeFileWhenAsked) {
     EXPECT_EQ(RunRecordTool({"export", path, "out.avi"}, bar, bar, ProgressBar::kDrawn), 2);
     EXPECT_TRUE(CheckAvi("out.avi").sound);
     EXPECT_EQ(CheckAvi("out.avi").samples[0], std::vector{pictures[0]});
-}
-
-TEST_F(ExportTest, FindsTheSizesThatTheDecoderGives) {
-    std::mt19937 random(5);
-    const auto any = [&](std::size_t below) { return random() % below; };
-    PictureSizeReader sizes;
-    for (const std::string& picture : Corpus()) {
-        for (int turn = 0; turn < 8; ++turn) {
-            std::string bytes = picture;
-            for (int k = turn / 2; k > 0 && !bytes.empty(); --k) {
-                bytes[any(std::min<std::size_t>(bytes.size(), 700))] = static_cast<char>(any(256));
-            }
-            if (turn == 7) bytes.resize(bytes.size() / 2);
-            const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
-            int width = 0;
-            int height = 0;
-            DibImage image;
-            const bool found = sizes.Read(data, bytes.size(), width, height);
-            ASSERT_EQ(found, image.DecodeJpeg(data, bytes.size()) == 1);
-            ASSERT_TRUE(!found || (width == image.Width() && height == image.Height()));
-        }
-    }
 }
 
 TEST_F(ExportTest, IsPlayedByOthers) {

@@ -208,7 +208,9 @@ TEST_F(PlaybackDlg, RendersTheBytesThatTheToolExports) {
         EXPECT_EQ(box.text(), QStringLiteral("Error Creating AVI"));
         box.accept();
     });
-    Render("missing/out.avi", [](int) {});
+    std::filesystem::copy(path, "copy.dbt");
+    Render("copy.dbt", [](int) {});
+    EXPECT_EQ(std::filesystem::file_size("copy.dbt"), Size()) << "a recording is not replaced";
     EXPECT_EQ(Enabled(), 7);
     Click(IDC_PLAYER_STOP);
     Click(IDC_PLAYER_PLAY);
@@ -305,8 +307,8 @@ TEST_F(PlaybackDlg, IsReachedByKeysAndFitsASmallScreenInALargeFont) {
     QApplication::setFont(QFont(before.family(), 20));
     Open(3);
     EXPECT_LT(dialog->height(), dialog->screen()->availableSize().height());
-    EXPECT_TRUE(QSize(1024 - 16, 768 - 48).expandedTo(dialog->minimumSizeHint()) ==
-                QSize(1024 - 16, 768 - 48));
+    const QSize small(1024 - 16, 768 - 48);
+    EXPECT_EQ(small.expandedTo(dialog->minimumSizeHint()), small);
     std::set<int> reached;
     for (int k = 0; k < 30; ++k) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
