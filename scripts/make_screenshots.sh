@@ -50,7 +50,7 @@ panel() { click $((-PANEL + $1)) "$2"; }
 
 # The panel's width and its controls' places in the font that a bare Debian shows.
 PANEL=285
-startAll=(92 90) view1=(57 655) view4=(147 655) view16=(226 655) popUp=(25 681)
+startAll=(92 90) playback=(205 167) view1=(57 655) view4=(147 655) view16=(226 655) popUp=(25 681)
 
 shoot live
 panel "${startAll[@]}"
@@ -69,6 +69,20 @@ xdotool mousemove --window "$window" 505 405
 sleep 1
 import -silent -window root -crop "900x520+$((X + 352))+$((Y + 253))" +repage png:- |
   convert png:- -quality 84 "$images/popup.jpg"
+
+panel "${playback[@]}"
+sleep 1
+window=$(xdotool search --onlyvisible --pid "$marvolen" --name '^Playback$' | head -n 1)
+play=(131 621) pause=(215 621) selStart=(58 730) selEnd=(143 730)
+for mark in selStart selEnd; do
+  click "${play[@]}"
+  click "${pause[@]}"
+  declare -n place=$mark
+  click "${place[@]}"
+done
+click "${play[@]}"
+click "${pause[@]}"
+shoot playback
 
 kill -TERM "$marvolen"
 wait "$marvolen" || true
