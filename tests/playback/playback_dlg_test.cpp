@@ -45,7 +45,8 @@ protected:
         pictures.clear();
         const std::uint64_t chunk =
             kBlock + 600 * (ReadWholeFile(JPEG_CORPUS "/flat.jpg").size() + 8);
-        ASSERT_TRUE(Create(givenUp > 0 ? 24 + (count / 600 + 1) * chunk + 50 : 8 * kMiB));
+        const std::uint64_t chunks = 1 + std::uint64_t(count) / 600;
+        ASSERT_TRUE(Create(givenUp > 0 ? 24 + chunks * chunk + 50 : 8 * kMiB));
         Record("flat", givenUp + count);
         Close();
         Open();
