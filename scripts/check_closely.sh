@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Looks closer than the newcomer's tests: layout, sanitizers, threads, clang-tidy. About a third of an hour
-# on two cores.
+# Looks closer than the newcomer's tests: layout, sanitizers, threads, clang-tidy. About a quarter of an
+# hour on two cores.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
