@@ -36,7 +36,7 @@ marvolen=$!
 processes+=("$marvolen")
 "$OLDPWD/scripts/wait_until_live.sh" "$marvolen" "$folder/screen.png"
 
-window=$(xdotool search --onlyvisible --pid "$marvolen" --name '^Marvolen$' | head -n 1)
+window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Marvolen$' | head -n 1)
 eval "$(xdotool getwindowgeometry --shell "$window")"
 shoot() { import -silent -window "$window" png:- | convert png:- -quality 84 "$images/$1.jpg"; }
 # A click at a place of the window; negative numbers count from its right and bottom edge.
@@ -72,7 +72,7 @@ import -silent -window root -crop "900x520+$((X + 352))+$((Y + 253))" +repage pn
 
 panel "${playback[@]}"
 sleep 1
-window=$(xdotool search --onlyvisible --pid "$marvolen" --name '^Playback$' | head -n 1)
+window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Playback$' | head -n 1)
 play=(131 621) pause=(215 621) selStart=(58 730) selEnd=(143 730)
 for mark in selStart selEnd; do
   click "${play[@]}"
