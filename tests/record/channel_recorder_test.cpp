@@ -18,7 +18,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -28,8 +27,6 @@
 
 namespace marvolen {
 namespace {
-
-namespace fs = std::filesystem;
 
 class EventCounter : public NetEventOwner {
 public:

@@ -2,7 +2,6 @@
 
 #include "tests/record/record_fixture.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -28,15 +27,9 @@ protected:
     // Appends what the document's example does, up to so many records.
     bool AppendAsShown(std::uint32_t records) {
         for (; nextId < records; ++nextId) {
-            const std::uint32_t time = nextId * 40;
-            const SYSTEMTIME stamp{2004,
-                                   2,
-                                   0,
-                                   29,
-                                   8,
-                                   static_cast<std::uint16_t>(15 + time / 60000),
-                                   static_cast<std::uint16_t>(time / 1000 % 60),
-                                   static_cast<std::uint16_t>(time % 1000)};
+            const auto second = static_cast<std::uint16_t>(nextId / 25);
+            const auto millisecond = static_cast<std::uint16_t>(nextId % 25 * 40);
+            const SYSTEMTIME stamp{2004, 2, 0, 29, 8, 15, second, millisecond};
             if (!AppendFrame(TestRecord{}.Bytes(), 1000, stamp)) return false;
         }
         return true;
