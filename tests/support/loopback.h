@@ -115,13 +115,12 @@ private:
 
 class LoopbackListener {
 public:
-    explicit LoopbackListener(int backlog = 64)
-        : listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    LoopbackListener() : listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         sockaddr_in address = LoopbackAddress(0);
         auto* const plain = reinterpret_cast<sockaddr*>(&address);
         socklen_t size = sizeof address;
         const bool listens = bind(listener.Get(), plain, size) == 0 &&
-                             listen(listener.Get(), backlog) == 0 &&
+                             listen(listener.Get(), 64) == 0 &&
                              getsockname(listener.Get(), plain, &size) == 0;
         EXPECT_TRUE(listens);
         port = ntohs(address.sin_port);
@@ -144,11 +143,5 @@ private:
     Descriptor listener;
     std::uint16_t port = 0;
 };
-
-// A port at which nobody listens.
-inline std::uint16_t RefusingPort() {
-    LoopbackListener listener;
-    return listener.Port();
-}
 
 }  // namespace marvolen::test
