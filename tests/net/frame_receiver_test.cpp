@@ -24,8 +24,8 @@ public:
 
     bool refuses = false;
 
-    bool IsStartedBy(const ChannelLink* starter) const { return active && link == starter; }
-    bool IsStopped() const { return !active && link == nullptr; }
+    // Who started it, if it is active.
+    const ChannelLink* Starter() const { return active ? link : nullptr; }
     void Tell(int code) { PostEvent(code); }
 
     bool Start(ChannelLink* startingLink) override {
@@ -46,12 +46,15 @@ private:
     Calls& calls;
 };
 
+using Starters = std::vector<const ChannelLink*>;  // of head, middle and tail
+
 class FrameReceiverTest : public ::testing::Test {
 protected:
     FrameReceiverTest() {
         head.SetNext(&middle);
         middle.SetNext(&tail);
     }
+    Starters Chain() const { return {head.Starter(), middle.Starter(), tail.Starter()}; }
 
     Calls calls;
     RecordingLink link;
@@ -60,30 +63,24 @@ protected:
 
 TEST_F(FrameReceiverTest, StartsFromTheTailAndStopsFromTheHead) {
     ASSERT_TRUE(head.Start(&link));
-    EXPECT_EQ(calls, (Calls{"start tail", "start middle", "start head"}));
-    for (const Node* node : {&head, &middle, &tail}) EXPECT_TRUE(node->IsStartedBy(&link));
+    EXPECT_EQ(Chain(), (Starters{&link, &link, &link}));
     middle.Tell(NETEVENT_ERROR);
-    EXPECT_EQ(link.events, std::vector{NETEVENT_ERROR});
-
-    calls.clear();
     head.Stop();
-    EXPECT_EQ(calls, (Calls{"stop head", "stop middle", "stop tail"}));
-    for (const Node* node : {&head, &middle, &tail}) EXPECT_TRUE(node->IsStopped());
-    middle.Tell(NETEVENT_ERROR);
-    EXPECT_EQ(link.events.size(), 1U) << "a stopped receiver posts nothing";
+    EXPECT_EQ(Chain(), Starters(3));
+    middle.Tell(NETEVENT_CLOSE);  // a stopped receiver posts nothing
+    EXPECT_EQ(link.events, std::vector{NETEVENT_ERROR});
+    EXPECT_EQ(calls, (Calls{"start tail", "start middle", "start head", "stop head", "stop middle",
+                            "stop tail"}));
 }
 
 TEST_F(FrameReceiverTest, NothingStartsBeforeAReceiverThatRefuses) {
     tail.refuses = true;
     EXPECT_FALSE(head.Start(&link));
-    EXPECT_TRUE(head.IsStopped());
-    EXPECT_TRUE(middle.IsStopped());
-
+    EXPECT_EQ(Chain(), Starters(3));
     tail.refuses = false;
     middle.refuses = true;
     EXPECT_FALSE(head.Start(&link));
-    EXPECT_TRUE(head.IsStopped());
-    EXPECT_TRUE(tail.IsStartedBy(&link)) << "what stands behind the refusing one stays started";
+    EXPECT_EQ(Chain(), (Starters{nullptr, nullptr, &link})) << "what stands behind stays started";
 }
 
 TEST_F(FrameReceiverTest, UnwiresOneOrAll) {

@@ -99,47 +99,28 @@ public:
     void OnEvent(int code) override { events.push_back(code); }
 };
 
-class StreamSourceTest : public ::testing::Test {
-protected:
-    void Start(std::uint16_t port) {
-        ASSERT_TRUE(source.Init(test::MakeRecord("127.0.0.1", port)));
+TEST(StreamSourceTest, IsConnectedUntilAReceiveFailsOrItIsStoppedFromWithinADelivery) {
+    for (const bool stops : {false, true}) {
+        LoopbackListener listener;
+        RecordingLink link;
+        test::Sink sink;
+        StreamSource source;
+        ASSERT_TRUE(source.Init(test::MakeRecord("127.0.0.1", listener.Port())));
         source.SetNext(&sink);
         ASSERT_TRUE(source.Start(&link));
-        EXPECT_FALSE(source.HasSettled());
-        EXPECT_FALSE(source.IsConnected());
-    }
-    void Connect() {
-        Start(listener.Port());
-        camera = listener.Accept();
+        EXPECT_FALSE(source.HasSettled() || source.IsConnected());
+        LoopbackPeer camera = listener.Accept();
         ASSERT_TRUE(WaitUntil([&] { return source.IsConnected(); }));
         EXPECT_TRUE(source.HasSettled());
+        sink.duringDeliver = [&] { source.Stop(); };
+        stops ? camera.Send(std::string(test::kStreamHead) + Part("stop")) : camera.Reset();
+        ASSERT_TRUE(WaitUntil([&] { return !source.IsConnected(); }));
+        EXPECT_TRUE(ComesToRest());
+        EXPECT_EQ(link.events,
+                  stops ? Events{NETEVENT_CONNECT} : (Events{NETEVENT_CONNECT, NETEVENT_ERROR}));
+        EXPECT_EQ(sink.IsStarted(), !stops);
+        EXPECT_TRUE(!stops || camera.IsEnded());
     }
-
-    LoopbackListener listener;
-    LoopbackPeer camera;
-    RecordingLink link;
-    test::Sink sink;
-    StreamSource source;
-};
-
-TEST_F(StreamSourceTest, IsConnectedUntilAReceiveFails) {
-    Connect();
-    camera.Reset();
-    ASSERT_TRUE(WaitUntil([&] { return link.events.size() == 2; }));
-    EXPECT_EQ(link.events.back(), NETEVENT_ERROR);
-    EXPECT_FALSE(source.IsConnected());
-}
-
-TEST_F(StreamSourceTest, StopsSilentlyAlsoFromWithinADelivery) {
-    Connect();
-    sink.duringDeliver = [&] { source.Stop(); };
-    camera.Send(std::string(test::kStreamHead) + Part("stop"));
-    ASSERT_TRUE(WaitUntil([&] { return !sink.pictures.empty(); }));
-    EXPECT_TRUE(camera.IsEnded());
-    EXPECT_TRUE(ComesToRest());
-    EXPECT_FALSE(source.IsConnected());
-    EXPECT_FALSE(sink.IsStarted());
-    EXPECT_EQ(link.events, Events{NETEVENT_CONNECT});
 }
 
 // A client whose notifications the test makes up or acts upon.
@@ -175,19 +156,6 @@ TEST(StreamClientTest, TakesOnlyHttp) {
         EXPECT_FALSE(client.Connect(url, never)) << url;
     }
     EXPECT_TRUE(ComesToRest());
-}
-
-TEST(StreamClientTest, MayCloseWithinItsNotification) {
-    LoopbackListener listener;
-    const std::string url = "http://a:b@127.0.0.1:" + std::to_string(listener.Port()) + "/x";
-    StreamClient client;
-    bool told = false;
-    ASSERT_TRUE(client.Connect(url, [&](Notification) {
-        client.Close();
-        told = true;
-    }));
-    EXPECT_TRUE(WaitUntil([&] { return told; }));
-    EXPECT_EQ(listener.Accept().ReceiveUntil("\r\n\r\n"), "");
 }
 
 }  // namespace

@@ -43,29 +43,31 @@ protected:
         Set(info.password, password);
         return Request();
     }
-    static std::string Expected(std::string_view path, std::string_view encodedCredentials) {
-        return "GET " + std::string(path) +
-               " HTTP/1.0\r\nUser-Agent: ActiveX(Tallivox)\r\nAuthorization: Basic " +
-               std::string(encodedCredentials) + "\r\n\r\n";
-    }
 
     ChannelInfo info{};
 };
 
 TEST_F(StreamRequestTest, Credentials) {
     info.rateIndex = 2;
-    const auto expected = [](std::string_view encoded) {
-        return Expected("/getimage?camera=1&fmt=full&delay=7", encoded);
+    const auto expected = [](const std::string& encoded) {
+        return "GET /getimage?camera=1&fmt=full&delay=7 HTTP/1.0\r\nUser-Agent: ActiveX(Tallivox)"
+               "\r\nAuthorization: Basic " +
+               encoded + "\r\n\r\n";
     };
-    EXPECT_EQ(RequestWith("", ""), expected("Og=="));
-    EXPECT_EQ(RequestWith("a", ""), expected("YTo="));
-    EXPECT_EQ(RequestWith("", "b"), expected("OmI="));
-    EXPECT_EQ(RequestWith("a", "b"), expected("YTpi"));
-    EXPECT_EQ(RequestWith("ab", "c"), expected("YWI6Yw=="));
-    EXPECT_EQ(RequestWith("\x80\xFF", "\xC3\xA4"), expected("gP86w6Q="));
-    EXPECT_EQ(RequestWith("%41%6a", "%zz%4"), expected("QWo6JXp6JTQ=")) << "Aj:%zz%4";
-    EXPECT_EQ(RequestWith("a", "p:q:"), expected("YTpwOnE6")) << "the first colon splits";
-    EXPECT_EQ(RequestWith("a", "p%40%2F"), expected("YTpwQC8=")) << "a:p@/";
+    const std::string_view cases[][3] = {
+        {"", "", "Og=="},
+        {"a", "", "YTo="},
+        {"", "b", "OmI="},
+        {"a", "b", "YTpi"},
+        {"ab", "c", "YWI6Yw=="},
+        {"\x80\xFF", "\xC3\xA4", "gP86w6Q="},
+        {"%41%6a", "%zz%4", "QWo6JXp6JTQ="},  // Aj:%zz%4
+        {"a", "p:q:", "YTpwOnE6"},            // the first colon splits
+        {"a", "p%40%2F", "YTpwQC8="},         // a:p@/
+    };
+    for (const auto& [userName, password, encoded] : cases) {
+        EXPECT_EQ(RequestWith(userName, password), expected(std::string(encoded))) << encoded;
+    }
     EXPECT_EQ(RequestWith("a", "p@q"), kFailed);
     EXPECT_EQ(RequestWith("a/b", "p"), kFailed);
 }
