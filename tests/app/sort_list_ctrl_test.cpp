@@ -114,36 +114,6 @@ TEST_F(SortList, ColumnsFitTheirSamplesAndNamesAtEveryFontSize) {
     }
 }
 
-// A narrow column makes room for it beside the arrow.
-TEST_F(SortList, TheSortedColumnShowsItsNameWhole) {
-    list.SetColumnSamples({"00", "Yard"});
-    for (const int column : {0, 1}) {
-        ClickColumn(column);
-        const auto label = [this, column, end = HeaderItem(column).width()] {
-            const QImage item = HeaderImage(column);
-            return item.copy(0, 0, end - 4 * HeaderMargin(item.height()), item.height());
-        };
-        const QImage beside = label();
-        EXPECT_NE(beside, beside.mirrored(true, false)) << "nothing is seen";
-        list.setColumnWidth(column, 200);
-        EXPECT_EQ(label(), beside);
-    }
-}
-
-TEST_F(SortList, ItsFocusIsSeenWithoutARowInSight) {
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
-    for (int rows = 0; rows < 200; ++rows) list.AddRow("1", "2", "3");
-    list.setCurrentIndex(list.model()->index(0, 0));
-    list.scrollToBottom();
-    for (int round = 0; round < 2; ++round) {  // scrolled away, then empty
-        list.setFocus();
-        const QImage focused = list.viewport()->grab().toImage();
-        list.clearFocus();
-        EXPECT_NE(list.viewport()->grab().toImage(), focused);
-        list.DeleteAllRows();
-    }
-}
-
 // It points up for ascending, stands 4 pixels from the item's edges, and is seen on every palette:
 // in its own two colours where the palette has shades.
 TEST_F(SortList, TheArrowMarksTheSortedColumnOnly) {

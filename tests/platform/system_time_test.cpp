@@ -26,11 +26,5 @@ TEST(SystemTime, DifferencesCountCalendarDaysAndCarryOver) {
     EXPECT_GT(DifferenceInMilliseconds({65535, 255, 0, 255, 255, 255, 255, 65535}, {}), 0);
 }
 
-TEST(SystemTime, FormatsWithLeadingZeros) {
-    EXPECT_EQ(FormatTime({2004, 2, 0, 29, 8, 15, 0, 0}), "2004/02/29 08:15:00");
-    EXPECT_EQ(FormatTime({65535, 65535, 0, 65535, 65535, 65535, 65535, 0}),
-              "65535/65535/65535 65535:65535:65535");
-}
-
 }  // namespace
 }  // namespace marvolen
