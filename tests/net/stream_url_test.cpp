@@ -61,14 +61,15 @@ TEST_F(StreamRequestTest, Credentials) {
         {"a", "b", "YTpi"},
         {"ab", "c", "YWI6Yw=="},
         {"\x80\xFF", "\xC3\xA4", "gP86w6Q="},
-        {"%41%6a", "%zz%4", "QWo6JXp6JTQ="},  // Aj:%zz%4
-        {"a", "p:q:", "YTpwOnE6"},            // the first colon splits
-        {"a", "p%40%2F", "YTpwQC8="},         // a:p@/
+        {"%41%6a", "%zz%4", "QWo6JXp6JTQ="},   // Aj:%zz%4
+        {"a", "p:q:", "YTpwOnE6"},             // the first colon splits
+        {"a%", "p%40%2F%0a", "YSU6cEAvCg=="},  // a%:p@/ and a line feed
     };
     for (const auto& [userName, password, encoded] : cases) {
         EXPECT_EQ(RequestWith(userName, password), expected(std::string(encoded))) << encoded;
     }
     EXPECT_EQ(RequestWith("a", "p@q"), kFailed);
+    EXPECT_EQ(RequestWith("a", "p%00q"), kFailed);
     EXPECT_EQ(RequestWith("a/b", "p"), kFailed);
 }
 
