@@ -88,7 +88,7 @@ TEST_F(RecordFileTest, RecordsAreFoundByNumberWithFewReads) {
     }
     EXPECT_TRUE(Shows({604, 7}));
     file->readsBeforeFailure = 1;
-    EXPECT_FALSE(Shows({604, 7}));
+    EXPECT_FALSE(file->ReadRecord(*pool.Acquire()));
     ASSERT_TRUE(file->SeekTo(599));
     Patch(24 + kBlock + 4200 + 8, std::uint64_t{24});  // as if overwritten since
     EXPECT_FALSE(file->StepForward() || file->SeekTo(600));
@@ -115,6 +115,16 @@ TEST_F(RecordFileTest, AHeadThatCannotBeReadLeavesTheNewestChunkOnly) {
         Close();
         EXPECT_TRUE(Sound() && HoldsRange(1200, 1899, 1)) << position << ' ' << value;
     }
+}
+
+TEST_F(RecordFileTest, AFrameGivesUpEveryChunkItCovers) {
+    ASSERT_TRUE(Create(24 + 8 * (kBlock + 600)) && AppendMany(5 * 600, 1) && Append(50000) &&
+                Append(50000));
+    Close();
+    std::vector<TestRecord> left;
+    while (left.size() < 602) left.push_back({static_cast<std::uint32_t>(2400 + left.size()), 1});
+    left[600].length = left[601].length = 50000;
+    EXPECT_TRUE(Sound() && HoldsExactly(left));
 }
 
 // Of a chunk that becomes the newest, and of the newest one whose end was cut off.

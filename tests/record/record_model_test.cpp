@@ -9,13 +9,12 @@ namespace marvolen::test {
 namespace {
 
 struct Life {
-    const char* name;
     std::uint64_t maxSize;
     std::uint32_t longestFrame;
     int operations;
 };
 
-class RecordModelTest : public RecordFixture, public ::testing::WithParamInterface<Life> {
+class RecordModelTest : public RecordFixture {
 protected:
     std::uint32_t Any(std::uint64_t below) {
         return static_cast<std::uint32_t>(random() % std::max<std::uint64_t>(below, 1));
@@ -23,7 +22,7 @@ protected:
 
     // Mostly small, now and then the longest, and often exactly what fits.
     std::uint32_t AnyLength() {
-        const std::uint32_t longest = GetParam().longestFrame;
+        const std::uint32_t longest = life.longestFrame;
         const std::uint64_t any = Any(longest + 1);
         const std::uint64_t lengths[] = {model.ToMaximum(), model.ToMaximum() + 1, model.Room(),
                                          model.Room() + 1,  std::uint64_t{0},      longest};
@@ -35,7 +34,7 @@ protected:
     }
 
     std::uint64_t AnyMaximum() {
-        const std::uint64_t usual = GetParam().maxSize;
+        const std::uint64_t usual = life.maxSize;
         const std::uint64_t near = Any(3);
         const std::uint64_t sizes[] = {usual / 2 + Any(usual),
                                        usual * 2,
@@ -69,36 +68,38 @@ protected:
         }
     }
 
+    Life life{};
     std::mt19937 random;
     RecordModel model;
 };
 
-TEST_P(RecordModelTest, HoldsWhatTheModelHolds) {
-    random.seed(20040229);
-    ASSERT_TRUE(Create(GetParam().maxSize));
-    model.Create(GetParam().maxSize);
-    for (int operation = 0; operation < GetParam().operations; ++operation) {
-        SCOPED_TRACE(operation);
-        // By turns many short sessions and few long ones.
-        if (Any(operation % 4000 < 2000 ? 40 : 400) == 0) {
-            ASSERT_NO_FATAL_FAILURE(EndAndReopen());
-            continue;
+TEST_F(RecordModelTest, HoldsWhatTheModelHolds) {
+    // A block and little more, a few pictures, about a chunk, a few chunks, many chunks.
+    for (const Life& next : {Life{20000, 900, 8000},
+                             {250000, 204800, 4000},
+                             {60000, 120, 20000},
+                             {300000, 100, 24000},
+                             {1 << 20, 40, 40000}}) {
+        life = next;
+        SCOPED_TRACE(life.maxSize);
+        random.seed(20040229);
+        ASSERT_TRUE(Create(life.maxSize));
+        model.Create(life.maxSize);
+        for (int operation = 0; operation < life.operations; ++operation) {
+            SCOPED_TRACE(operation);
+            // By turns many short sessions and few long ones.
+            if (Any(operation % 4000 < 2000 ? 40 : 400) == 0) {
+                ASSERT_NO_FATAL_FAILURE(EndAndReopen());
+                continue;
+            }
+            const TestRecord record{nextId++, AnyLength()};
+            ASSERT_EQ(AppendRecord(record), model.Append(record)) << record.length;
         }
-        const TestRecord record{nextId++, AnyLength()};
-        ASSERT_EQ(AppendRecord(record), model.Append(record)) << record.length;
+        Close();
+        model.Close();
+        ASSERT_NO_FATAL_FAILURE(Compare());
     }
-    Close();
-    model.Close();
-    ASSERT_NO_FATAL_FAILURE(Compare());
 }
-
-INSTANTIATE_TEST_SUITE_P(RecordModel, RecordModelTest,
-                         ::testing::Values(Life{"ABlockAndLittleMore", 20000, 900, 8000},
-                                           Life{"AFewPictures", 250000, 204800, 4000},
-                                           Life{"AboutAChunk", 60000, 120, 20000},
-                                           Life{"AFewChunks", 300000, 100, 24000},
-                                           Life{"ManyChunks", 1 << 20, 40, 40000}),
-                         [](const auto& instance) { return instance.param.name; });
 
 }  // namespace
 }  // namespace marvolen::test
