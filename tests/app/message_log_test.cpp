@@ -60,6 +60,23 @@ TEST(Log, AFullDiskFailsTheExport) {
     }
 }
 
+// Where an event has no room its last word is seen, which it differs in.
+TEST(Log, EventsLookDifferentInANarrowList) {
+    CSortListCtrl list;
+    MessageLog log(list);
+    for (const char* event : {"connect.", "close.", "error."}) {
+        log.AddLogEntry(&g_channelInfo[0], std::string("Network ") + event);
+    }
+    list.resize(list.columnWidth(0) + list.columnWidth(1) + list.columnWidth(2) + 70, 300);
+    list.show();
+    QImage seen[3];
+    for (int row = 0; row < 3; ++row) {
+        const QRect cell = list.visualRect(list.model()->index(row, 3));
+        seen[row] = list.viewport()->grab(cell & list.viewport()->rect()).toImage();
+    }
+    EXPECT_TRUE(seen[0] != seen[1] && seen[1] != seen[2] && seen[2] != seen[0]);
+}
+
 // A file that can't be made is told, once; what is asked before is the file chooser's.
 TEST(Log, SaveAsTellsOfAFileThatCannotBeMade) {
     const test::TemporaryFolder folder;

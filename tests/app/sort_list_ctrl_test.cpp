@@ -114,6 +114,20 @@ TEST_F(SortList, ColumnsFitTheirSamplesAndNamesAtEveryFontSize) {
     }
 }
 
+TEST_F(SortList, ItsFocusIsSeenWithoutARowInSight) {
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    for (int rows = 0; rows < 200; ++rows) list.AddRow("1", "2", "3");
+    list.setCurrentIndex(list.model()->index(0, 0));
+    list.scrollToBottom();
+    for (int round = 0; round < 2; ++round) {  // scrolled away, then empty
+        list.setFocus();
+        const QImage focused = list.viewport()->grab().toImage();
+        list.clearFocus();
+        EXPECT_NE(list.viewport()->grab().toImage(), focused);
+        list.DeleteAllRows();
+    }
+}
+
 // It points up for ascending, stands 4 pixels from the item's edges, and is seen on every palette:
 // in its own two colours where the palette has shades.
 TEST_F(SortList, TheArrowMarksTheSortedColumnOnly) {
