@@ -139,13 +139,12 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
 QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
     auto* layout = MakeLayout<QHBoxLayout>(group);
-    QPushButton* setting = MakePlainButton(IDC_SETTING, QStringLiteral("Setting ..."),
-                                           QStringLiteral("Setting ... for the channels"));
+    QPushButton* setting = MakeButton(IDC_SETTING, QStringLiteral("Setting ..."),
+                                      QStringLiteral("Setting ... for the channels"),
+                                      &CControlPanelDlg::settingRequested);
     QPushButton* playback = MakeButton(IDC_PLAYBACK, QStringLiteral("Playback ..."),
                                        QStringLiteral("Playback ... of recordings"),
                                        &CControlPanelDlg::playbackRequested);
-    // Disabled, and no command, as long as there is no dialog for it to open.
-    setting->setEnabled(false);
     layout->addWidget(setting);
     layout->addWidget(playback);
     return group;

@@ -71,6 +71,7 @@ Q_SIGNALS:
     void stopAllRequested();
     void startAllRequested();
     void aboutRequested();
+    void settingRequested();
     void playbackRequested();
     void cleanLogRequested();
     void saveLogRequested();

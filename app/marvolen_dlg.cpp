@@ -6,6 +6,7 @@
 #include "playback/playback_dlg.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
+#include "settings/channel_setting_dlg.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -92,6 +93,7 @@ void CMarvolenDlg::ConnectPanel() {
     on(&CControlPanelDlg::stopAllRequested, [this] { SetAllRecording(false); });
     on(&CControlPanelDlg::startAllRequested, [this] { SetAllRecording(true); });
     on(&CControlPanelDlg::aboutRequested, &CMarvolenDlg::ShowAbout);
+    on(&CControlPanelDlg::settingRequested, &CMarvolenDlg::ShowSetting);
     on(&CControlPanelDlg::playbackRequested, &CMarvolenDlg::ShowPlayback);
     on(&CControlPanelDlg::cleanLogRequested, [this] { messageLog->Clean(); });
     on(&CControlPanelDlg::saveLogRequested, &CMarvolenDlg::SaveLog);
@@ -133,6 +135,17 @@ void CMarvolenDlg::ShowPlayback() {
         dialog.DoModal();
         playback = nullptr;
     }
+    if (isVisible()) channels.StartAllChannels();
+}
+
+// The channels are closed while their settings change. What was wanted to record still is.
+void CMarvolenDlg::ShowSetting() {
+    if (IsCovered()) return;
+    HidePopups();
+    channels.StopAllChannels(CloseFlag::Ordered);
+    CChannelSettingDlg dialog(this);
+    dialog.SetInitialTab(currentChannel);
+    if (dialog.DoModal() == IDOK) g_channelInfo = dialog.Channels();
     if (isVisible()) channels.StartAllChannels();
 }
 

@@ -106,6 +106,7 @@ private:
     void FitPanel();
     void ShowAbout();
     void ShowPlayback();
+    void ShowSetting();
 
     Paging paging;
     int popupPane = -1;                             // whose pop-up was asked for last

@@ -58,6 +58,34 @@ inline constexpr int IDC_PLAYER_SELECT_END = 1061;
 inline constexpr int IDC_PLAYER_CHOOSE_OUTPUT = 1062;
 inline constexpr int IDC_PLAYER_RENDER = 1063;
 
+// Channel Setting dialog. "OK" and "Cancel" are IDOK and IDCANCEL.
+inline constexpr int IDC_SETTING_TABS = 1002;
+inline constexpr int IDC_SETTING_LOAD = 1058;
+inline constexpr int IDC_SETTING_SAVE = 1059;
+inline constexpr int IDC_SETTING_PASTE = 1060;
+
+// Its pages.
+inline constexpr int IDC_PAGE_RECORD_PATH = 1007;
+inline constexpr int IDC_PAGE_HOST = 1013;
+inline constexpr int IDC_PAGE_PORT = 1014;
+inline constexpr int IDC_PAGE_MAX_SIZE = 1015;
+inline constexpr int IDC_PAGE_USER_NAME = 1016;
+inline constexpr int IDC_PAGE_PASSWORD = 1017;
+inline constexpr int IDC_PAGE_CAMERA = 1018;
+inline constexpr int IDC_PAGE_SIZE = 1019;
+inline constexpr int IDC_PAGE_NET_NAME = 1020;
+inline constexpr int IDC_PAGE_RATE = 1021;
+inline constexpr int IDC_PAGE_CONNECT = 1034;
+inline constexpr int IDC_PAGE_PREVIEW = 1036;
+inline constexpr int IDC_PAGE_CHOOSE_PATH = 1042;
+
+// Commands of a dragged tab and of the menu where it was dropped.
+inline constexpr int IDM_TAB_MOVE = 1171;
+inline constexpr int IDM_TAB_COPY = 1172;
+inline constexpr int IDM_TAB_SWAP = 1173;
+inline constexpr int IDM_TAB_DROP_OUTSIDE = 1174;
+inline constexpr int IDM_TAB_CANCEL = 1175;
+
 // Pop-up: its edit fields and marks.
 inline constexpr int IDC_POPUP_CHANNEL = 1007;
 inline constexpr int IDC_POPUP_NAME = 1008;
