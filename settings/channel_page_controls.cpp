@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kSpacing = 4;
 constexpr QSize kPreviewUnits(205, 170);  // dialog units
+constexpr QSize kUsualPicture(704, 480);  // pixels; the pane has its shape
 constexpr int kMaxSizeLength = 20;        // characters; more digits than 32 bits have
 
 template <typename Layout>
@@ -51,7 +52,7 @@ void CChannelPageDlg::MakeControls() {
     left->addWidget(MakeDisplayGroup());
     left->addWidget(MakeRecordGroup());
     left->addStretch();
-    columns->addLayout(left, 1);
+    columns->addLayout(left);
     columns->addWidget(MakePreviewGroup(), 1);
 }
 
@@ -112,7 +113,9 @@ QWidget* CChannelPageDlg::MakeRecordGroup() {
 QWidget* CChannelPageDlg::MakePreviewGroup() {
     auto* group = new QGroupBox(QStringLiteral("Preview"), this);
     auto* layout = MakeLayout<QVBoxLayout>(group);
-    preview = new PagePane(this, MapDialogUnits(kPreviewUnits));
+    const QSize units = MapDialogUnits(kPreviewUnits);
+    const int wide = units.height() * kUsualPicture.width() / kUsualPicture.height();
+    preview = new PagePane(this, units.expandedTo(QSize(wide, 0)));
     AddControl(preview, IDC_PAGE_PREVIEW, QString());
     layout->addWidget(preview, 1);
     auto* connectButton = new QPushButton(QStringLiteral("Connect"), this);
