@@ -15,7 +15,9 @@ InputDropper::InputDropper() {
 }
 
 InputDropper::~InputDropper() {
-    QGuiApplication::sync();  // fetches what the window system still has for us
+    // What the window system still has for us; not everywhere does the first fetch it.
+    QGuiApplication::sync();
+    QCoreApplication::processEvents();
 }
 
 void InputDropper::GiveTurn() {

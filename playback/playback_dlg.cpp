@@ -96,7 +96,7 @@ bool CPlaybackDlg::OpenRecord(const ChannelInfo& record) {
 void CPlaybackDlg::ClosePlayback() {
     KillTimer(kPlayTimer);
     positions.Close();
-    slider->setValue(positions.Position());
+    slider->SetPosition(positions.Position());
     source.Close();
     pane->Close();
 }
@@ -140,7 +140,7 @@ void CPlaybackDlg::SetSpeed() {
 }
 
 void CPlaybackDlg::CarryOut(const PlaybackStep& step) {
-    slider->setValue(positions.Position());
+    slider->SetPosition(positions.Position());
     switch (step.kind) {
         case PlaybackStep::Kind::kNone:
             return;

@@ -61,15 +61,16 @@ std::string CPlaybackDlg::OutputName() {
     return output->text().toStdString();
 }
 
-// By their parents, so that each is enabled or disabled afterwards as it was before.
+// An export begins only while all of them are enabled.
 void CPlaybackDlg::EnableControls(bool flag) {
-    isRendering = !flag;
     if (!flag) {
+        isRendering = true;
         focusBefore = focusWidget();
         setCursor(Qt::BusyCursor);
         inputDropper.emplace();
     } else {
         inputDropper.reset();
+        isRendering = false;
         unsetCursor();
     }
     for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
@@ -81,7 +82,7 @@ void CPlaybackDlg::EnableControls(bool flag) {
 const CapturedFrame& CPlaybackDlg::Show(std::int32_t position) {
     const bool isNew = source.ShowPosition(static_cast<std::uint32_t>(position));
     positions.SetPosition(position);
-    slider->setValue(positions.Position());
+    slider->SetPosition(positions.Position());
     ShowPlace(isNew);
     return source.Captured();
 }

@@ -30,12 +30,24 @@ CRangeSlider::CRangeSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
     // Within the action the slider's position is the new one and its value the former one.
     connect(this, &QSlider::actionTriggered, this, [this] { Q_EMIT scrolled(sliderPosition()); });
     connect(this, &QSlider::sliderReleased, this, [this] { Q_EMIT scrolled(value()); });
+    // Assistive tools set the value without an action.
+    connect(this, &QSlider::valueChanged, this, [this](int position) {
+        if (!settingPosition) Q_EMIT scrolled(position);
+    });
 }
 
 void CRangeSlider::SetMaximum(int maximum) {
+    settingPosition = true;
     setRange(0, maximum);
+    settingPosition = false;
     setPageStep(std::max(1, maximum / kPages));
     update();
+}
+
+void CRangeSlider::SetPosition(int position) {
+    settingPosition = true;
+    setValue(position);
+    settingPosition = false;
 }
 
 void CRangeSlider::SetSelection(int start, int end) {

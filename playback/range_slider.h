@@ -24,6 +24,9 @@ public:
     // Positions 0 to maximum.
     void SetMaximum(int maximum);
 
+    // Moves the thumb without telling of it.
+    void SetPosition(int position);
+
     // Marks the range from start to end, in any order. Both are positions.
     void SetSelection(int start, int end);
     int SelectionStart() const { return selectionStart; }
@@ -40,7 +43,7 @@ public:
 
 Q_SIGNALS:
     // The user has moved the thumb here, or let go of it: each key, click, turn of the wheel, and
-    // every step of dragging. Not when a program sets the value.
+    // every step of dragging, and what an assistive tool sets.
     void scrolled(int position);
 
 protected:
@@ -52,6 +55,7 @@ private:
     void PaintRange(QPainter& painter, int top) const;
     void PaintFlag(QPainter& painter, int place, int direction, int bottom) const;
 
+    bool settingPosition = false;
     int selectionStart = 0;
     int selectionEnd = 0;
 };

@@ -10,6 +10,7 @@
 #include "tests/support/event_loop.h"
 #include "tools/record_file/record_commands.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
@@ -21,6 +22,7 @@
 #include <QTimer>
 
 #include <csignal>
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -110,7 +112,7 @@ protected:
 
 TEST_F(PlaybackDlg, PlaysFilesOfTwoRecordsAndMore) {
     for (const auto& [count, first] : std::vector<std::pair<int, int>>{
-             {0, 0}, {1, 0}, {2, 0}, {600, 0}, {601, 0}, {5000, 0}, {5000, 600}}) {
+             {0, 0}, {1, 0}, {2, 0}, {599, 0}, {600, 0}, {601, 600}, {5000, 600}}) {
         SCOPED_TRACE(count);
         Open(count, first);
         EXPECT_EQ(Output(), "C:\\chl03.avi");
@@ -135,6 +137,11 @@ TEST_F(PlaybackDlg, PlaysFilesOfTwoRecordsAndMore) {
             ASSERT_TRUE(At(p, first + p + 1)) << p;
         }
         Click(IDC_PLAYER_STOP);
+        if (last > 1) {
+            QAccessible::queryAccessibleInterface(&Slider())->valueInterface()->setCurrentValue(1);
+            EXPECT_TRUE(At(1, first + 2));
+            Click(IDC_PLAYER_STOP);
+        }
         Key(Qt::Key_End);
         EXPECT_TRUE(At(last, first + 1)) << "nothing new is shown at the end";
         Key(Qt::Key_Left);
@@ -146,6 +153,25 @@ TEST_F(PlaybackDlg, PlaysFilesOfTwoRecordsAndMore) {
             EXPECT_TRUE(At(last, first + last));
         }
     }
+}
+
+TEST_F(PlaybackDlg, SurvivesARecordingThatIsDamagedAndCutUnderIt) {
+    Open(700);
+    std::mt19937 random(1);
+    const std::uint64_t size = Size();
+    const std::uint64_t second =
+        size - 100 * ReadWholeFile(JPEG_CORPUS "/flat.jpg").size() - kBlock;
+    for (int round = 0; round < 400; ++round) {
+        const std::uint64_t block = round % 2 == 0 ? 24 : second;
+        Patch(block + random() % (round % 8 < 2 ? 40 : kBlock), static_cast<char>(random()));
+        if (round == 300) Cut(size / 2);
+        if (round == 350) Cut(100);
+        Slider().setSliderPosition(static_cast<int>(random() % 700));
+        Click(round % 3 == 0 ? IDC_PLAYER_NEXT : IDC_PLAYER_PREV);
+    }
+    EXPECT_EQ(Enabled(), 7);
+    Render("damaged.avi", [] {});
+    EXPECT_EQ(Enabled(), 7);
 }
 
 TEST_F(PlaybackDlg, PlaysAtEverySpeedUntilPausedOrStopped) {
