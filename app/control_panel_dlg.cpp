@@ -1,5 +1,6 @@
 #include "app/control_panel_dlg.h"
 
+#include "platform/dialog_layout.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
 
@@ -17,7 +18,6 @@
 namespace marvolen {
 namespace {
 
-constexpr int kSpacing = 4;
 constexpr QSize kTemplateUnits(135, 421);  // dialog units
 constexpr QSize kLogoSize(90, 90);
 
@@ -29,14 +29,6 @@ struct ViewButton {
 constexpr ViewButton kViewButtons[] = {{ViewMode::One, IDC_VIEW_1, "1"},
                                        {ViewMode::Four, IDC_VIEW_4, "4"},
                                        {ViewMode::Sixteen, IDC_VIEW_16, "16"}};
-
-template <typename Layout>
-Layout* MakeLayout(QGroupBox* group) {
-    auto* layout = new Layout(group);
-    layout->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    layout->setSpacing(kSpacing);
-    return layout;
-}
 
 }  // namespace
 
@@ -83,9 +75,7 @@ void CLogoBox::focusOutEvent(QFocusEvent* event) {
 CControlPanelDlg::CControlPanelDlg(CDialog* itsMainWindow)
     : CDialog(itsMainWindow), mainWindow(*itsMainWindow) {
     setMouseTracking(true);
-    auto* groups = new QVBoxLayout(this);
-    groups->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    groups->setSpacing(kSpacing);
+    auto* groups = MakeDialogLayout<QVBoxLayout>(this);
     groups->addWidget(MakeRecordingGroup());
     groups->addWidget(MakeManagementGroup());
     groups->addWidget(MakeMessageGroup(), 1);
@@ -114,7 +104,7 @@ QPushButton* CControlPanelDlg::MakePlainButton(int id, const QString& text,
 QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
     auto* group = new QGroupBox(QStringLiteral("Recording"), this);
     auto* buttons = new QVBoxLayout;
-    buttons->setSpacing(kSpacing);
+    buttons->setSpacing(kDialogSpacing);
     recordToggle = MakeButton(IDC_RECORD_TOGGLE, QStringLiteral("Start"), QString(),
                               &CControlPanelDlg::toggleRecordingRequested);
     ShowRecording(false);
@@ -129,8 +119,8 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
     auto* logo = new CLogoBox(this);
     AddControl(logo, IDC_LOGO, QStringLiteral("About Marvolen"));
     connect(logo, &CLogoBox::clicked, this, &CControlPanelDlg::aboutRequested);
-    auto* layout = MakeLayout<QHBoxLayout>(group);
-    layout->setSpacing(2 * kSpacing);
+    auto* layout = MakeDialogLayout<QHBoxLayout>(group);
+    layout->setSpacing(2 * kDialogSpacing);
     layout->addLayout(buttons, 1);
     layout->addWidget(logo, 0, Qt::AlignTop);
     return group;
@@ -138,7 +128,7 @@ QGroupBox* CControlPanelDlg::MakeRecordingGroup() {
 
 QGroupBox* CControlPanelDlg::MakeManagementGroup() {
     auto* group = new QGroupBox(QStringLiteral("Management"), this);
-    auto* layout = MakeLayout<QHBoxLayout>(group);
+    auto* layout = MakeDialogLayout<QHBoxLayout>(group);
     QPushButton* setting = MakeButton(IDC_SETTING, QStringLiteral("Setting ..."),
                                       QStringLiteral("Setting ... for the channels"),
                                       &CControlPanelDlg::settingRequested);
@@ -156,16 +146,16 @@ QGroupBox* CControlPanelDlg::MakeMessageGroup() {
     AddControl(messageList, IDC_LOG_LIST, QStringLiteral("Message log"));
     messageList->setMinimumHeight(fontMetrics().height() * 5);
     auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(kSpacing);
+    buttons->setSpacing(kDialogSpacing);
     buttons->addWidget(MakeButton(IDC_LOG_CLEAN, QStringLiteral("Clean"),
                                   QStringLiteral("Clean the message log"),
                                   &CControlPanelDlg::cleanLogRequested));
     buttons->addWidget(MakeButton(IDC_LOG_SAVE, QStringLiteral("Save as..."),
                                   QStringLiteral("Save as... a file: the message log"),
                                   &CControlPanelDlg::saveLogRequested));
-    auto* layout = MakeLayout<QVBoxLayout>(group);
-    layout->setContentsMargins(0, kSpacing, 0, 0);  // every pixel is the texts'
-    buttons->setContentsMargins(2 * kSpacing, 0, 2 * kSpacing, 2 * kSpacing);
+    auto* layout = MakeDialogLayout<QVBoxLayout>(group);
+    layout->setContentsMargins(0, kDialogSpacing, 0, 0);  // every pixel is the texts'
+    buttons->setContentsMargins(2 * kDialogSpacing, 0, 2 * kDialogSpacing, 2 * kDialogSpacing);
     layout->addWidget(messageList, 1);
     layout->addLayout(buttons);
     return group;
@@ -173,7 +163,7 @@ QGroupBox* CControlPanelDlg::MakeMessageGroup() {
 
 QHBoxLayout* CControlPanelDlg::MakePageRow() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kDialogSpacing);
     previousPage = MakePlainButton(IDC_PREVIOUS_PAGE, QString(), QStringLiteral("Previous page"));
     nextPage = MakePlainButton(IDC_NEXT_PAGE, QString(), QStringLiteral("Next page"));
     connect(previousPage, &QPushButton::clicked, this, [this] { Q_EMIT turnPageRequested(-1); });
@@ -189,7 +179,7 @@ QHBoxLayout* CControlPanelDlg::MakePageRow() {
 
 QHBoxLayout* CControlPanelDlg::MakeViewRow() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kDialogSpacing);
     for (std::size_t k = 0; k < std::size(kViewButtons); ++k) {
         const ViewButton& description = kViewButtons[k];
         const QString text = QLatin1String(description.text);
@@ -215,7 +205,7 @@ QGroupBox* CControlPanelDlg::MakePageGroup() {
     enablePopup = new QCheckBox(QStringLiteral("Enable Pop Up"), this);
     AddControl(enablePopup, IDC_ENABLE_POPUP, QStringLiteral("Enable Pop Up"));
     connect(enablePopup, &QCheckBox::clicked, this, &CControlPanelDlg::enablePopupRequested);
-    auto* layout = MakeLayout<QVBoxLayout>(group);
+    auto* layout = MakeDialogLayout<QVBoxLayout>(group);
     layout->addLayout(MakePageRow());
     layout->addLayout(MakeViewRow());
     layout->addWidget(enablePopup);

@@ -3,6 +3,7 @@
 #include "app/about_dlg.h"
 #include "app/log_export.h"
 #include "app/pane_layout.h"
+#include "platform/dialog_layout.h"
 #include "playback/playback_dlg.h"
 #include "res/resource_ids.h"
 #include "res/resources.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr QSize kWindowUnits(618, 437);       // dialog units
 constexpr QSize kWantedPaneArea(1408, 1012);  // panes wide enough for their status marks
-constexpr QSize kFrameAllowance(16, 48);      // what a window's frame takes of the screen
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "playback/playback_dlg.h"
 
+#include "platform/dialog_layout.h"
 #include "platform/file_chooser.h"
 #include "platform/text_field.h"
 
@@ -34,7 +35,7 @@ void CPlaybackDlg::OnInitDialog() {
     CDialog::OnInitDialog();
     FillBoxes();
     SetSpeed();
-    FitScreen();
+    FitScreen(*this, sizeHint());
     ChangeChannel();
 }
 

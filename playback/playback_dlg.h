@@ -68,7 +68,6 @@ private:
     QBoxLayout* MakeSelectionRow();
     QBoxLayout* MakeOutputRow();
     void FillBoxes();
-    void FitScreen();
 
     // The file that is played.
     ChannelInfo& SelectedRecord() const;

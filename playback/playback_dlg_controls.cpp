@@ -1,6 +1,7 @@
 // How the Playback dialog is built.
 
 #include "display/pane_geometry.h"
+#include "platform/dialog_layout.h"
 #include "platform/text_field.h"
 #include "playback/playback_dlg.h"
 #include "res/resource_ids.h"
@@ -11,16 +12,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 
 #include <algorithm>
 
 namespace marvolen {
 namespace {
 
-constexpr int kSpacing = 4;
-constexpr QSize kFrameAllowance(16, 48);  // what a window's frame takes of the screen
-constexpr int kSpeeds = 5;                // 1 X to 16 X
+constexpr int kSpeeds = 5;  // 1 X to 16 X
 
 // A pane for a picture of this size, or a smaller one at least.
 constexpr QSize PaneSize(int width, int height) {
@@ -34,14 +32,6 @@ public:
     explicit PlaybackPane(QWidget* parent) : PreviewPane(parent) { setMinimumSize(kLeastPane); }
     QSize sizeHint() const override { return kWantedPane; }
 };
-
-template <typename Layout>
-Layout* MakeLayout(QWidget* group) {
-    auto* layout = new Layout(group);
-    layout->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    layout->setSpacing(kSpacing);
-    return layout;
-}
 
 void MakeEquallyWide(std::initializer_list<QPushButton*> buttons) {
     int width = 0;
@@ -61,9 +51,7 @@ QPushButton* CPlaybackDlg::MakeButton(int id, const QString& text, const QString
 }
 
 void CPlaybackDlg::MakeControls() {
-    auto* groups = new QVBoxLayout(this);
-    groups->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    groups->setSpacing(kSpacing);
+    auto* groups = MakeDialogLayout<QVBoxLayout>(this);
     groups->addWidget(MakeChannelGroup());
     groups->addWidget(MakeImageGroup(), 1);
     groups->addLayout(MakeButtonRow());
@@ -87,7 +75,7 @@ QWidget* CPlaybackDlg::MakeChannelGroup() {
     AddControl(channelBox, IDC_PLAYER_CHANNEL, QStringLiteral("Channel"));
     // Whatever the user chooses, the chosen item too: "Other File ..." may be another one now.
     connect(channelBox, &QComboBox::activated, this, &CPlaybackDlg::ChangeChannel);
-    MakeLayout<QHBoxLayout>(group)->addWidget(channelBox);
+    MakeDialogLayout<QHBoxLayout>(group)->addWidget(channelBox);
     return group;
 }
 
@@ -95,7 +83,7 @@ QWidget* CPlaybackDlg::MakeImageGroup() {
     auto* group = new QGroupBox(QStringLiteral("Image"), this);
     pane = new PlaybackPane(this);
     AddControl(pane, IDC_PLAYER_PANE, QString());
-    MakeLayout<QHBoxLayout>(group)->addWidget(pane);
+    MakeDialogLayout<QHBoxLayout>(group)->addWidget(pane);
     return group;
 }
 
@@ -117,7 +105,7 @@ QBoxLayout* CPlaybackDlg::MakeButtonRow() {
     AddControl(speedBox, IDC_PLAYER_SPEED, QStringLiteral("Playback Speed"));
     connect(speedBox, &QComboBox::activated, this, &CPlaybackDlg::SetSpeed);
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kDialogSpacing);
     for (QPushButton* button : {stopButton, playButton, pauseButton, prevButton, nextButton}) {
         row->addWidget(button);
     }
@@ -129,7 +117,7 @@ QBoxLayout* CPlaybackDlg::MakeButtonRow() {
 
 QWidget* CPlaybackDlg::MakeRenderingGroup() {
     auto* group = new QGroupBox(QStringLiteral("Rendering To AVI "), this);
-    auto* layout = MakeLayout<QVBoxLayout>(group);
+    auto* layout = MakeDialogLayout<QVBoxLayout>(group);
     layout->addLayout(MakeSelectionRow());
     layout->addLayout(MakeOutputRow());
     return group;
@@ -137,7 +125,7 @@ QWidget* CPlaybackDlg::MakeRenderingGroup() {
 
 QBoxLayout* CPlaybackDlg::MakeSelectionRow() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kDialogSpacing);
     QPushButton* start =
         MakeButton(IDC_PLAYER_SELECT_START, QStringLiteral("SelStart"),
                    QStringLiteral("SelStart: select from here"), &CPlaybackDlg::SelectStart);
@@ -153,7 +141,7 @@ QBoxLayout* CPlaybackDlg::MakeSelectionRow() {
 
 QBoxLayout* CPlaybackDlg::MakeOutputRow() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kDialogSpacing);
     row->addWidget(MakeButton(IDC_PLAYER_CHOOSE_OUTPUT, QStringLiteral("Output File..."),
                               QStringLiteral("Output File... to render to"),
                               &CPlaybackDlg::ChooseOutput));
@@ -181,11 +169,6 @@ void CPlaybackDlg::FillBoxes() {
         speedBox->addItem(QStringLiteral("%1 X").arg(1 << k), static_cast<uint>(1 << k));
     }
     speedBox->setCurrentIndex(0);
-}
-
-// As large as a whole picture wants it, where the screen has the room.
-void CPlaybackDlg::FitScreen() {
-    resize(sizeHint().boundedTo(screen()->availableSize() - kFrameAllowance));
 }
 
 }  // namespace marvolen

@@ -48,9 +48,9 @@ click() {
 # The middle of a control of the panel, as docs and tests name it, from its top-left corner.
 panel() { click $((-PANEL + $1)) "$2"; }
 
-# The panel's width and its controls' places in the font that a bare Debian shows.
+# The panel's width, and its and the settings dialog's controls' places, in the font that a bare Debian shows.
 PANEL=285
-startAll=(92 90) playback=(205 167) view1=(57 655) view4=(147 655) view16=(226 655) popUp=(25 681)
+startAll=(92 90) cancel=(711 456) setting=(60 167) playback=(205 167) view1=(57 655) view4=(147 655) view16=(226 655) popUp=(25 681)
 
 shoot live
 panel "${startAll[@]}"
@@ -69,6 +69,15 @@ xdotool mousemove --window "$window" 505 405
 sleep 1
 import -silent -window root -crop "900x520+$((X + 352))+$((Y + 253))" +repage png:- |
   convert png:- -quality 84 "$images/popup.jpg"
+
+main=$window
+panel "${setting[@]}"
+sleep 2
+window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Channel Setting$' | head -n 1)
+shoot settings
+click "${cancel[@]}"
+sleep 2
+window=$main
 
 panel "${playback[@]}"
 sleep 1

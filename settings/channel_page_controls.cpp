@@ -1,6 +1,7 @@
 // How a page of the Channel Setting dialog is built.
 
 #include "display/pane_geometry.h"
+#include "platform/dialog_layout.h"
 #include "res/resource_ids.h"
 #include "settings/channel_page_dlg.h"
 #include "settings/field_edit.h"
@@ -16,18 +17,9 @@
 namespace marvolen {
 namespace {
 
-constexpr int kSpacing = 4;
 constexpr QSize kPreviewUnits(205, 170);  // dialog units
 constexpr QSize kUsualPicture(704, 480);  // pixels; the pane has its shape
 constexpr int kMaxSizeLength = 20;        // characters; more digits than 32 bits have
-
-template <typename Layout>
-Layout* MakeLayout(QWidget* group) {
-    auto* layout = new Layout(group);
-    layout->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    layout->setSpacing(kSpacing);
-    return layout;
-}
 
 class PagePane final : public PreviewPane {
 public:
@@ -43,11 +35,10 @@ private:
 }  // namespace
 
 void CChannelPageDlg::MakeControls() {
-    auto* columns = new QHBoxLayout(this);
-    columns->setContentsMargins(2 * kSpacing, kSpacing, 2 * kSpacing, 2 * kSpacing);
-    columns->setSpacing(2 * kSpacing);
+    auto* columns = MakeDialogLayout<QHBoxLayout>(this);
+    columns->setSpacing(2 * kDialogSpacing);
     auto* left = new QVBoxLayout;
-    left->setSpacing(kSpacing);
+    left->setSpacing(kDialogSpacing);
     left->addWidget(MakeNetworkGroup());
     left->addWidget(MakeDisplayGroup());
     left->addWidget(MakeRecordGroup());
@@ -58,7 +49,7 @@ void CChannelPageDlg::MakeControls() {
 
 QWidget* CChannelPageDlg::MakeNetworkGroup() {
     auto* group = new QGroupBox(QStringLiteral("Network"), this);
-    auto* form = MakeLayout<QFormLayout>(group);
+    auto* form = MakeDialogLayout<QFormLayout>(group);
     host = MakeFieldEdit(IDC_PAGE_HOST, QStringLiteral("Host Address"));
     port = MakeFieldEdit(IDC_PAGE_PORT, QStringLiteral("Host Port"));
     userName = MakeFieldEdit(IDC_PAGE_USER_NAME, QStringLiteral("Username"));
@@ -72,7 +63,7 @@ QWidget* CChannelPageDlg::MakeNetworkGroup() {
 
 QWidget* CChannelPageDlg::MakeDisplayGroup() {
     auto* group = new QGroupBox(QStringLiteral("Display/Record"), this);
-    auto* form = MakeLayout<QFormLayout>(group);
+    auto* form = MakeDialogLayout<QFormLayout>(group);
     netName = MakeFieldEdit(IDC_PAGE_NET_NAME, QStringLiteral("NET Name"));
     cameraBox = MakeComboBox(IDC_PAGE_CAMERA, QStringLiteral("Camera"));
     sizeBox = MakeComboBox(IDC_PAGE_SIZE, QStringLiteral("Picture size"));
@@ -86,7 +77,7 @@ QWidget* CChannelPageDlg::MakeDisplayGroup() {
 
 QWidget* CChannelPageDlg::MakeRecordGroup() {
     auto* group = new QGroupBox(QStringLiteral("Record"), this);
-    auto* form = MakeLayout<QFormLayout>(group);
+    auto* form = MakeDialogLayout<QFormLayout>(group);
     maxSize = new QLineEdit(this);
     maxSize->setMaxLength(kMaxSizeLength);
     AddControl(maxSize, IDC_PAGE_MAX_SIZE, QStringLiteral("Max size, MB"));
@@ -103,7 +94,7 @@ QWidget* CChannelPageDlg::MakeRecordGroup() {
     AddControl(choose, IDC_PAGE_CHOOSE_PATH, QStringLiteral(".. to choose the File Path"));
     connect(choose, &QPushButton::clicked, this, &CChannelPageDlg::ChoosePath);
     auto* pathRow = new QHBoxLayout;
-    pathRow->setSpacing(kSpacing);
+    pathRow->setSpacing(kDialogSpacing);
     pathRow->addWidget(recordPath, 1);
     pathRow->addWidget(choose);
     form->addRow(QStringLiteral("File Path"), pathRow);
@@ -112,7 +103,7 @@ QWidget* CChannelPageDlg::MakeRecordGroup() {
 
 QWidget* CChannelPageDlg::MakePreviewGroup() {
     auto* group = new QGroupBox(QStringLiteral("Preview"), this);
-    auto* layout = MakeLayout<QVBoxLayout>(group);
+    auto* layout = MakeDialogLayout<QVBoxLayout>(group);
     const QSize units = MapDialogUnits(kPreviewUnits);
     const int wide = units.height() * kUsualPicture.width() / kUsualPicture.height();
     preview = new PagePane(this, units.expandedTo(QSize(wide, 0)));

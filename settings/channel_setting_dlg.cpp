@@ -2,6 +2,7 @@
 
 #include "config/settings_file.h"
 #include "platform/clipboard.h"
+#include "platform/dialog_layout.h"
 #include "platform/file_chooser.h"
 #include "res/resource_ids.h"
 #include "settings/channel_page_dlg.h"
@@ -9,7 +10,6 @@
 
 #include <QBoxLayout>
 #include <QPushButton>
-#include <QScreen>
 
 #include <fstream>
 #include <new>
@@ -17,8 +17,6 @@
 namespace marvolen {
 namespace {
 
-constexpr int kSpacing = 4;
-constexpr QSize kFrameAllowance(16, 48);  // what a window's frame takes of the screen
 constexpr QSize kDialogUnits(438, 263);
 
 // A settings file, to load or to save.
@@ -43,9 +41,8 @@ CChannelSettingDlg::~CChannelSettingDlg() {
 }
 
 void CChannelSettingDlg::MakeControls() {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(2 * kSpacing, 2 * kSpacing, 2 * kSpacing, 2 * kSpacing);
-    layout->setSpacing(2 * kSpacing);
+    auto* layout = MakeDialogLayout<QVBoxLayout>(this);
+    layout->setSpacing(2 * kDialogSpacing);
     tabs = new CChannelTabCtrl(this);
     AddControl(tabs, IDC_SETTING_TABS, QStringLiteral("Channels"));
     connect(tabs, &CTabCtrl::selectionChanged, this, &CChannelSettingDlg::ShowPage);
@@ -83,9 +80,7 @@ void CChannelSettingDlg::OnInitDialog() {
     CDialog::OnInitDialog();
     channels = g_channelInfo;
     const bool complete = MakePages();
-    resize(sizeHint()
-               .expandedTo(MapDialogUnits(kDialogUnits))
-               .boundedTo(screen()->availableSize() - kFrameAllowance));
+    FitScreen(*this, sizeHint().expandedTo(MapDialogUnits(kDialogUnits)));
     if (!complete) return MessageBox(QStringLiteral("A page can't be made: out of memory."));
     tabs->SetCurSel(initialTab);
     ShowPage(initialTab);
