@@ -70,6 +70,7 @@ TEST_F(MarvolenApp, EveryEndWritesTheSettings) {
         {"Escape in the panel", key(IDC_LOG_LIST, Qt::Key_Escape)},
         {"Exit", key(IDC_EXIT, Qt::Key_Space)},
         {"SIGTERM", [](QWidget*) { raise(SIGTERM); }},
+        {"SIGINT", [](QWidget*) { raise(SIGINT); }},
         {"SIGHUP", [](QWidget*) { raise(SIGHUP); }}};
     ChannelTable stored = FactoryChannelTable();
     std::memset(stored[7].netName, 'x', sizeof stored[7].netName);  // no NUL

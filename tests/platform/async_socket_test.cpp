@@ -103,18 +103,14 @@ TEST_F(AsyncSocketTest, ReportsEverythingBeforeTheEndThenTheEndOnceAndRests) {
     EXPECT_EQ(socket->received, "!" + rest + "?ab") << "urgent bytes arrive in their place";
     EXPECT_TRUE(ComesToRest());
     EXPECT_EQ(socket->closes, 1);
-}
 
-TEST_F(AsyncSocketTest, ReportsAResetThroughReceiveOnceAndSendsWithoutASignal) {
     Connect();
     peer.Reset();
     ASSERT_TRUE(WaitUntil([&] { return socket->receives > 0; }));
     EXPECT_EQ(socket->GetLastError(), ECONNRESET);
     EXPECT_TRUE(ComesToRest());
-    EXPECT_EQ(socket->receives, 1);
-    EXPECT_EQ(socket->closes, 0);
-    EXPECT_EQ(socket->Say("anybody?"), -1);
-    EXPECT_EQ(socket->GetLastError(), EPIPE);
+    EXPECT_TRUE(socket->receives == 1 && socket->closes == 0);
+    EXPECT_TRUE(socket->Say("anybody?") == -1 && socket->GetLastError() == EPIPE) << "no signal";
 }
 
 TEST_F(AsyncSocketTest, FailuresToConnectAreReportedOnceAndMisuseAtOnce) {

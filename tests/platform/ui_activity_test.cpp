@@ -66,14 +66,5 @@ TEST_F(UiActivity, ATimerMakesBusyFromWhenItIsDueUntilItTicks) {
     EXPECT_FALSE(IsUiBusy());
 }
 
-TEST_F(UiActivity, InputMakesBusyForAMoment) {
-    // Again and again, as the moment may pass between two lines on a machine with other work.
-    EXPECT_TRUE(test::WaitUntil([&] {
-        QTest::keyClick(&widget, Qt::Key_A);
-        return IsUiBusy();
-    }));
-    EXPECT_TRUE(test::WaitUntil([] { return !IsUiBusy(); }));
-}
-
 }  // namespace
 }  // namespace marvolen
