@@ -11,6 +11,7 @@
 #include <QBoxLayout>
 #include <QPushButton>
 
+#include <algorithm>
 #include <fstream>
 #include <new>
 
@@ -149,6 +150,7 @@ void CChannelSettingDlg::Paste() {
         return MessageBox(QStringLiteral("Open Clipboard Failed"));
     }
     if (read == ClipboardRead::NoText) return MessageBox(QStringLiteral("No data in clipboard"));
+    text.resize(std::min(text.size(), text.find('\0')));  // the first NUL ends a clipboard's text
     if (!text.starts_with(kMachinePropertyHeader)) {
         return MessageBox(QStringLiteral("Clipboard data invalid"));
     }

@@ -1,6 +1,7 @@
 #include "settings/field_edit.h"
 
 #include "config/channel_info.h"
+#include "platform/text_field.h"
 
 #include <QValidator>
 
@@ -27,21 +28,15 @@ private:
     qsizetype size = 0;  // of the text before, bytes
 };
 
-QString TextOf(std::string_view bytes) {
-    const std::string_view text = bytes.substr(0, bytes.find('\0'));
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 }  // namespace
 
 CFieldEdit::CFieldEdit(QWidget* parent) : QLineEdit(parent) {
-    setMaxLength(kMostBytes);
     setValidator(new FieldValidator(this));
 }
 
 void CFieldEdit::SetBytes(std::string_view newBytes) {
-    bytes = newBytes;
-    setText(TextOf(bytes));
+    bytes = CutText(newBytes.substr(0, newBytes.find('\0')), kMostBytes);
+    setText(QString::fromStdString(bytes));
     setCursorPosition(0);
     shown = text();
 }

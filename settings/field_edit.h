@@ -19,6 +19,7 @@ class CFieldEdit final : public QLineEdit {
 public:
     explicit CFieldEdit(QWidget* parent);
 
+    // Those before the first NUL, as many as a field holds; none is left of a character cut in two.
     void SetBytes(std::string_view newBytes);
     std::string Bytes() const;
 
