@@ -75,6 +75,7 @@ bool ClipboardOwnerAnswers(int patience) {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (!x11) return true;
     xcb_connection_t* const display = x11->connection();
+    if (!display) return true;  // a platform without a screen has the interface, but no server
     QLibrary library(QStringLiteral("xcb"), 1);
     const Xcb xcb(library);
     if (!xcb.IsThere()) return true;
