@@ -14,12 +14,28 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
+#include <vector>
+
 namespace marvolen {
 namespace {
 
 constexpr QSize kPreviewUnits(205, 170);  // dialog units
 constexpr QSize kUsualPicture(704, 480);  // pixels; the pane has its shape
 constexpr int kMaxSizeLength = 20;        // characters; more digits than 32 bits have
+
+// The fields of all groups begin at one left edge.
+void AlignLabels(const QWidget& page) {
+    std::vector<QWidget*> labels;
+    int width = 0;
+    for (const QFormLayout* form : page.findChildren<QFormLayout*>()) {
+        for (int row = 0; row < form->rowCount(); ++row) {
+            labels.push_back(form->itemAt(row, QFormLayout::LabelRole)->widget());
+            width = std::max(width, labels.back()->sizeHint().width());
+        }
+    }
+    for (QWidget* label : labels) label->setMinimumWidth(width);
+}
 
 class PagePane final : public PreviewPane {
 public:
@@ -43,6 +59,7 @@ void CChannelPageDlg::MakeControls() {
     left->addWidget(MakeDisplayGroup());
     left->addWidget(MakeRecordGroup());
     left->addStretch();
+    AlignLabels(*this);
     columns->addLayout(left);
     columns->addWidget(MakePreviewGroup(), 1);
 }
@@ -80,6 +97,7 @@ QWidget* CChannelPageDlg::MakeRecordGroup() {
     auto* form = MakeDialogLayout<QFormLayout>(group);
     maxSize = new QLineEdit(this);
     maxSize->setMaxLength(kMaxSizeLength);
+    maxSize->setAlignment(Qt::AlignRight);
     AddControl(maxSize, IDC_PAGE_MAX_SIZE, QStringLiteral("Max size, MB"));
     auto* sizeRow = new QHBoxLayout;
     sizeRow->addWidget(maxSize);
@@ -121,8 +139,6 @@ QWidget* CChannelPageDlg::MakePreviewGroup() {
 CFieldEdit* CChannelPageDlg::MakeFieldEdit(int id, const QString& accessibleName) {
     auto* edit = new CFieldEdit(this);
     AddControl(edit, id, accessibleName);
-    // Enter in a field is the page's default button.
-    connect(edit, &QLineEdit::returnPressed, this, &CChannelPageDlg::Connect);
     return edit;
 }
 
