@@ -48,8 +48,9 @@ public:
         const QStyleOptionTab option = Option();
         const int space = style()->pixelMetric(QStyle::PM_TabBarTabHSpace, &option, this);
         const int above = style()->pixelMetric(QStyle::PM_TabBarTabVSpace, &option, this);
-        const QSize label = fontMetrics().size(Qt::TextShowMnemonic, text) + QSize(space, above);
-        return style()->sizeFromContents(QStyle::CT_TabBarTab, &option, label, this);
+        const QSize label = QFontMetrics(SelectedFont()).size(Qt::TextShowMnemonic, text);
+        return style()->sizeFromContents(QStyle::CT_TabBarTab, &option, label + QSize(space, above),
+                                         this);
     }
 
     QAccessible::Role AccessibleRole() const override { return QAccessible::PageTab; }
@@ -63,10 +64,19 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
-        QStylePainter(this).drawControl(QStyle::CE_TabBarTab, Option());
+        QStylePainter painter(this);
+        if (IsSelected()) painter.setFont(SelectedFont());
+        painter.drawControl(QStyle::CE_TabBarTab, Option());
     }
 
 private:
+    // A tab of another row than the last doesn't reach its page, and styles set it off faintly.
+    QFont SelectedFont() const {
+        QFont bold = font();
+        bold.setBold(true);
+        return bold;
+    }
+
     CTabCtrl& control;
     const QString text;
     const int index;
