@@ -2,12 +2,15 @@
 
 #include "app/about_dlg.h"
 #include "playback/playback_dlg.h"
+#include "settings/channel_page_dlg.h"
+#include "settings/channel_setting_dlg.h"
 #include "tests/app/main_window.h"
 #include "tests/support/process_resources.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QTimer>
 
 #include <cstring>
@@ -158,6 +161,52 @@ TEST_F(MainWindow, PlaybackHasTheRecordFilesToItself) {
         EXPECT_EQ(recorder.IsOpen(), !atTheEnd);
         EXPECT_EQ(Recording(), std::set<int>{4});
     }
+}
+
+// All channels are closed while the dialog is open, and run with the table it leaves after OK, with
+// the old one after Cancel; recording goes on. What was clicked before it opened opens nothing.
+TEST_F(MainWindow, SettingChangesTheTableOfClosedChannelsWithOkOnly) {
+    SetFieldText(Info(3).host, "");
+    Open();
+    window->SelectPane(window->Pane(3));
+    Click(IDC_RECORD_TOGGLE);
+    for (const int end : {IDCANCEL, IDOK}) {
+        const ChannelTable before = g_channelInfo;
+        int seen = 0;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+            auto* dialog = dynamic_cast<CChannelSettingDlg*>(QApplication::activeModalWidget());
+            if (!dialog) return;
+            ++seen;
+            EXPECT_EQ(std::memcmp(&g_channelInfo, &before, sizeof before), 0);
+            for (int k = 0; k < kChannelCount; ++k) {
+                EXPECT_FALSE(window->Channels().Recorder(k).IsOpen());
+            }
+            auto* tabs = dialog->GetDlgItem<CChannelTabCtrl>(IDC_SETTING_TABS);
+            ASSERT_EQ(tabs->GetCurSel(), 3);
+            const auto type = [&](int id, const std::string& text) {
+                tabs->GetPage(3)->GetDlgItem<QLineEdit>(id)->setText(QString::fromStdString(text));
+            };
+            type(IDC_PAGE_HOST, "127.0.0.1");
+            type(IDC_PAGE_NET_NAME, "Typed");
+            QTest::mouseClick(dialog->GetDlgItem(end), Qt::LeftButton);
+        });
+        poll.start(10);
+        QTest::mouseClick(Control(IDC_SETTING), Qt::LeftButton);  // both wait in the queue
+        QTest::mouseClick(Control(IDC_PLAYBACK), Qt::LeftButton);
+        Click(IDC_SETTING);
+        EXPECT_EQ(seen, 1);
+        EXPECT_EQ(Recording(), std::set<int>{3});
+        ChannelTable expected = before;
+        if (end == IDOK) {
+            SetFieldText(expected[3].host, "127.0.0.1");
+            SetFieldText(expected[3].netName, "Typed");
+        }
+        EXPECT_EQ(std::memcmp(&g_channelInfo, &expected, sizeof expected), 0);
+        EXPECT_EQ(window->Channels().Recorder(3).IsOpen(), end == IDOK);
+        EXPECT_TRUE(window->Channels().Recorder(15).IsOpen());
+    }
+    EXPECT_TRUE(WaitUntil([&] { return Has(3, PANE_CONNECTED) && ShowsPicture(3); }));
 }
 
 }  // namespace

@@ -310,14 +310,14 @@ TEST_F(ChannelSettingDlg, ClearsATabThatIsDroppedOutsideUnlessTheDragEndsBefore)
              Drop(outside);
          }},
     };
-    for (const auto& [clears, act] : cases) {
+    for (const auto& each : cases) {
         const ChannelTable table = Run([&] {
-            act();
+            each.second();
             EXPECT_FALSE(QApplication::activePopupWidget());
             EXPECT_EQ(Seen(), std::vector<int>{2});
         });
-        const ChannelTable expected = clears ? cleared : DistinctTable();
-        EXPECT_TRUE(table == expected) << &act - &cases[0].second << Difference(table, expected);
+        const ChannelTable expected = each.first ? cleared : DistinctTable();
+        EXPECT_TRUE(table == expected) << &each - cases.data() << Difference(table, expected);
     }
 }
 
