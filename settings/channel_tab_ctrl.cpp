@@ -39,6 +39,7 @@ void CChannelTabCtrl::OnTabCopy(int from, int to) {
 
 void CChannelTabCtrl::OnTabMove(int from, int to) {
     std::vector<PageFields> fields;
+    fields.reserve(static_cast<std::size_t>(GetItemCount()));
     for (int k = 0; k < GetItemCount(); ++k) fields.push_back(GetPage(k)->Fields());
     MoveFields(fields, static_cast<std::size_t>(from), static_cast<std::size_t>(to));
     for (int k = 0; k < GetItemCount(); ++k) {
