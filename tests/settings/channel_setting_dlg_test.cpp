@@ -40,7 +40,7 @@ ChannelTable DistinctTable() {
         const std::string n = std::to_string(k + 1);
         r.channelIndex = k;
         SetFieldText(r.netName, "name \xE9" + n);  // not UTF-8
-        SetFieldText(r.host, "");                  // leads nowhere
+        SetFieldText(r.host, "no@" + n);           // leads nowhere
         SetFieldText(r.port, "80" + n);
         SetFieldText(r.userName, "user" + n);
         SetFieldText(r.password, "word\xFF" + n);
@@ -53,32 +53,39 @@ ChannelTable DistinctTable() {
     return table;
 }
 
-// For the other table, so that nothing of one is left.
-bool operator==(const ChannelTable& a, const ChannelTable& b) {
-    return std::memcmp(a.data(), b.data(), sizeof a) == 0;
-}
-
-// Which fields of which records differ, for a failure's text.
-std::string Difference(const ChannelTable& a, const ChannelTable& b) {
+// The numbers of the records that differ in any byte.
+std::string Differing(const ChannelTable& a, const ChannelTable& b) {
     std::string result;
     for (std::size_t k = 0; k < a.size(); ++k) {
-        const PageFields x = FieldsOf(a[k]);
-        const PageFields y = FieldsOf(b[k]);
-        if (std::memcmp(&a[k], &b[k], sizeof a[k]) == 0) continue;
-        result += "NET." + std::to_string(k + 1) + " " + x.host + "/" + y.host + " " + x.port +
-                  "/" + y.port + " " + x.netName + "/" + y.netName + " " + x.maxSize + "/" +
-                  y.maxSize + " " + x.recordPath + "/" + y.recordPath + "\n";
+        if (std::memcmp(&a[k], &b[k], sizeof a[k]) != 0) result += std::to_string(k + 1) + " ";
     }
     return result;
 }
 
 class ChannelSettingDlg : public ::testing::Test {
 protected:
-    ChannelSettingDlg() { g_channelInfo = DistinctTable(); }
+    ChannelSettingDlg() {
+        g_channelInfo = DistinctTable();
+        // Boxes are noted and closed, choosers get what is to be chosen.
+        poll.callOnTimeout(&poll, [this] {
+            QWidget* const modal = QApplication::activeModalWidget();
+            if (auto* const box = qobject_cast<QMessageBox*>(modal)) {
+                boxes += box->text().toStdString() + "|";
+                box->accept();
+            } else if (auto* const chooser = qobject_cast<QFileDialog*>(modal)) {
+                auto* const edit = chooser->findChild<QLineEdit*>();
+                proposed = edit->text().toStdString();
+                edit->setText(QString::fromStdString((folder.Path() / fileName).string()));
+                QTest::keyClick(edit, Qt::Key_Return);
+            }
+        });
+        poll.start(1);
+    }
     ~ChannelSettingDlg() override { g_channelInfo = FactoryChannelTable(); }
 
-    // Runs the dialog, act under its hands, and ends it by this command. Its table afterwards.
-    ChannelTable Run(const std::function<void()>& act, int end = IDOK, int tab = 2) {
+    // Runs the dialog, act under its hands, ends it by this command and compares its table.
+    void Run(const ChannelTable& expected, const std::function<void()>& act, int end = IDOK,
+             int tab = 2) {
         CChannelSettingDlg made(nullptr);
         dialog = &made;
         made.SetInitialTab(tab);
@@ -90,7 +97,7 @@ protected:
         });
         EXPECT_EQ(made.DoModal(), end);
         dialog = nullptr;
-        return made.Channels();
+        EXPECT_EQ(Differing(made.Channels(), expected), "");
     }
     CChannelTabCtrl& Tabs() { return *dialog->GetDlgItem<CChannelTabCtrl>(IDC_SETTING_TABS); }
     CChannelPageDlg& Page(int k) { return *Tabs().GetPage(k); }
@@ -106,7 +113,7 @@ protected:
     }
     QPoint Middle(int tab) { return Tabs().GetItemRect(tab).center(); }
     void SelectTab(int k) { QTest::mouseClick(&Tabs(), Qt::LeftButton, {}, Middle(k)); }
-    // The number of the only page that is seen.
+    // The pages that are seen, which should be one.
     std::vector<int> Seen() {
         std::vector<int> seen;
         for (int k = 0; k < Tabs().GetItemCount(); ++k) {
@@ -119,6 +126,10 @@ protected:
         QMouseEvent move(QEvent::MouseMove, to, Tabs().mapToGlobal(to), Qt::NoButton,
                          Qt::LeftButton, {});
         QCoreApplication::sendEvent(&Tabs(), &move);
+        const int over = Tabs().HitTest(to);
+        const QCursor shown = LoadCursor(over < 0 ? IDC_CLEAR_CURSOR : IDC_DROP_CURSOR);
+        EXPECT_EQ(Tabs().cursor().pixmap().toImage(),
+                  over == from ? QImage() : shown.pixmap().toImage());
     }
     void Drop(QPoint to) {
         QTest::mouseRelease(&Tabs(), Qt::LeftButton, {}, to);
@@ -142,54 +153,23 @@ protected:
         ASSERT_TRUE(WaitUntil([] { return !QApplication::activePopupWidget(); }));
         QCoreApplication::processEvents();
     }
-    // Clicks a button while the chooser or box that comes up gets what it wants.
-    template <typename Window>
-    void Click(QWidget& button, const std::function<void(Window&)>& act) {
-        bool came = false;
-        QTimer poll;
-        poll.callOnTimeout(&poll, [&] {
-            auto* const window = qobject_cast<Window*>(QApplication::activeModalWidget());
-            if (!window) return;
-            came = true;
-            poll.stop();
-            act(*window);
-        });
-        poll.start(1);
+    // Clicks a button and chooses a file.
+    void ChooseFile(QWidget& button, const std::string& name) {
+        fileName = name;
         QTest::mouseClick(&button, Qt::LeftButton);
-        EXPECT_TRUE(came);
-    }
-    // Chooses a file; returns the name that was proposed.
-    std::string ChooseFile(QWidget& button, const std::string& name) {
-        std::string proposed;
-        Click<QFileDialog>(button, [&](QFileDialog& chooser) {
-            auto* const edit = chooser.findChild<QLineEdit*>();
-            proposed = edit->text().toStdString();
-            edit->setText(QString::fromStdString((folder.Path() / name).string()));
-            QTest::keyClick(edit, Qt::Key_Return);
-        });
-        return proposed;
-    }
-    // The text of the box that comes up over the dialog from now on; it is closed.
-    void NoteBoxes() {
-        boxes.clear();
-        boxPoll.callOnTimeout(&boxPoll, [this] {
-            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box) return;
-            boxes += box->text().toStdString() + "|";
-            box->accept();
-        });
-        boxPoll.start(1);
     }
 
     TemporaryFolder folder;
-    std::string boxes;  // their texts, each with a bar behind it
-    QTimer boxPoll;
+    std::string boxes;               // their texts, each with a bar behind it
+    std::string proposed, fileName;  // names of a file
+    QTimer poll;
     CChannelSettingDlg* dialog = nullptr;
 };
 
 TEST_F(ChannelSettingDlg, ChangesNothingThatNobodyChanged) {
     for (const int end : {IDOK, IDCANCEL}) {
-        const ChannelTable table = Run(
+        Run(
+            DistinctTable(),
             [&] {
                 EXPECT_EQ(Seen(), std::vector<int>{2});
                 for (int k = 0; k < kChannelCount; ++k) {
@@ -198,7 +178,6 @@ TEST_F(ChannelSettingDlg, ChangesNothingThatNobodyChanged) {
                 }
             },
             end);
-        EXPECT_TRUE(table == DistinctTable()) << Difference(table, DistinctTable());
     }
 }
 
@@ -215,7 +194,7 @@ TEST_F(ChannelSettingDlg, StoresWhatIsTypedAndNoMoreThanAFieldHolds) {
     expected[2].cameraIndex = 3;
     expected[2].sizeIndex = 0;
     expected[2].rateIndex = 9;
-    const ChannelTable table = Run([&] {
+    Run(expected, [&] {
         Type(IDC_PAGE_HOST, "10.0.0.5");
         Type(IDC_PAGE_NET_NAME, "");
         Type(IDC_PAGE_PORT, std::string(300, '8'));
@@ -229,17 +208,15 @@ TEST_F(ChannelSettingDlg, StoresWhatIsTypedAndNoMoreThanAFieldHolds) {
         Item<QComboBox>(IDC_PAGE_SIZE).setCurrentIndex(0);
         Item<QComboBox>(IDC_PAGE_RATE).setCurrentIndex(9);
         QWidget& choose = Item<QWidget>(IDC_PAGE_CHOOSE_PATH);
-        EXPECT_EQ(ChooseFile(choose, "chl07"), "chl07");
-        NoteBoxes();
+        ChooseFile(choose, "chl07");
+        EXPECT_EQ(proposed, "chl07");
         std::filesystem::path deep = folder.Path();
         for (int k = 0; k < 2; ++k) deep /= std::string(130, 'd');
         std::filesystem::create_directories(deep);
         ChooseFile(choose, (deep / "x.dbt").string());
-        EXPECT_TRUE(WaitUntil([this] { return !boxes.empty(); }));
-        boxPoll.stop();
+        EXPECT_EQ(boxes, "The path is too long.|");
     });
-    EXPECT_TRUE(table == expected) << Difference(table, expected);
-    EXPECT_TRUE(std::filesystem::is_regular_file("chl07.dbt") == false);
+    EXPECT_FALSE(std::filesystem::exists("chl07.dbt"));
 }
 
 TEST_F(ChannelSettingDlg, DragsTabsOntoOneAnother) {
@@ -268,11 +245,10 @@ TEST_F(ChannelSettingDlg, DragsTabsOntoOneAnother) {
             }
             Commit(fields, expected[k + 2]);
         }
-        const ChannelTable table = Run([&] {
+        Run(expected, [&] {
             DragOnto(c.from, c.to, c.command);
             EXPECT_EQ(Seen(), std::vector<int>{c.from});
         });
-        EXPECT_TRUE(table == expected) << c.command << " " << Difference(table, expected);
     }
 }
 
@@ -290,7 +266,7 @@ TEST_F(ChannelSettingDlg, ClearsATabThatIsDroppedOutsideUnlessTheDragEndsBefore)
     const std::vector<std::pair<bool, std::function<void()>>> cases{
         {true, [&] { Drag(2, outside), Drop(outside); }},
         {true, [&] { Drag(2, onPage()), Drop(onPage()); }},
-        {false, [&] { Drag(2, outside), Drop(Middle(2)); }},
+        {false, [&] { Drag(2, Middle(2)), Drop(Middle(2)); }},
         {false,
          [&] {
              Drag(2, outside);
@@ -311,29 +287,12 @@ TEST_F(ChannelSettingDlg, ClearsATabThatIsDroppedOutsideUnlessTheDragEndsBefore)
          }},
     };
     for (const auto& each : cases) {
-        const ChannelTable table = Run([&] {
+        Run(each.first ? cleared : DistinctTable(), [&] {
             each.second();
             EXPECT_FALSE(QApplication::activePopupWidget());
             EXPECT_EQ(Seen(), std::vector<int>{2});
         });
-        const ChannelTable expected = each.first ? cleared : DistinctTable();
-        EXPECT_TRUE(table == expected) << &each - cases.data() << Difference(table, expected);
     }
-}
-
-TEST_F(ChannelSettingDlg, ShowsWhatADropWouldDo) {
-    const auto shows = [this](int cursor) {
-        return Tabs().cursor().pixmap().toImage() == LoadCursor(cursor).pixmap().toImage();
-    };
-    Run([&] {
-        Drag(2, Middle(6));
-        EXPECT_TRUE(shows(IDC_DROP_CURSOR));
-        Drag(2, QPoint(10, 4000));
-        EXPECT_TRUE(shows(IDC_CLEAR_CURSOR));
-        Drag(2, Middle(2));
-        EXPECT_EQ(Tabs().cursor().shape(), Qt::ArrowCursor);
-        Drop(Middle(2));
-    });
 }
 
 TEST_F(ChannelSettingDlg, HasSixteenTabsForEveryFontKeyAndAid) {
@@ -342,7 +301,7 @@ TEST_F(ChannelSettingDlg, HasSixteenTabsForEveryFontKeyAndAid) {
         QFont font = before;
         font.setPointSize(points);
         QApplication::setFont(font);
-        Run([&] {
+        Run(g_channelInfo, [&] {
             QRect former;
             for (int k = 0; k < kChannelCount; ++k) {
                 const QRect tab = Tabs().GetItemRect(k);
@@ -351,21 +310,18 @@ TEST_F(ChannelSettingDlg, HasSixteenTabsForEveryFontKeyAndAid) {
                 former = tab;
             }
             SelectTab(0);
-            for (const auto& [key, tab] : std::vector<std::pair<Qt::Key, int>>{{Qt::Key_Left, 0},
-                                                                               {Qt::Key_Right, 1},
-                                                                               {Qt::Key_End, 15},
-                                                                               {Qt::Key_Right, 15},
-                                                                               {Qt::Key_Left, 14},
-                                                                               {Qt::Key_Home, 0}}) {
+            const std::pair<Qt::Key, int> keys[] = {{Qt::Key_Left, 0}, {Qt::Key_Right, 1},
+                                                    {Qt::Key_End, 15}, {Qt::Key_Right, 15},
+                                                    {Qt::Key_Up, -1},  {Qt::Key_Home, 0}};
+            for (const auto& [key, tab] : keys) {
                 QTest::keyClick(QApplication::focusWidget(), key);
-                EXPECT_EQ(Seen(), std::vector<int>{tab});
+                EXPECT_EQ(Seen(), std::vector<int>{tab < 0 ? Tabs().GetCurSel() : tab});
             }
             QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&Tabs());
             ASSERT_EQ(list->role(), QAccessible::PageTabList);
-            QAccessibleInterface* const tab = list->child(16)->role() == QAccessible::PageTab
-                                                  ? list->child(16)
-                                                  : list->focusChild();
-            EXPECT_TRUE(tab && tab->role() == QAccessible::PageTab);
+            QAccessibleInterface* const tab = list->focusChild();
+            ASSERT_TRUE(tab && tab->role() == QAccessible::PageTab && tab->state().selected);
+            EXPECT_EQ(tab->text(QAccessible::Name), QStringLiteral("NET.1"));
         });
     }
     QApplication::setFont(before);
@@ -382,15 +338,15 @@ TEST_F(ChannelSettingDlg, LoadsAndSavesSettingsFiles) {
     std::filesystem::create_symlink("/no/such/folder/x.rsf", "nowhere.rsf");
     ChannelTable typed = DistinctTable();
     SetFieldText(typed[2].port, "99");
-    const ChannelTable table = Run([&] {
+    Run(other, [&] {
         QWidget& load = *dialog->GetDlgItem(IDC_SETTING_LOAD);
         QWidget& save = *dialog->GetDlgItem(IDC_SETTING_SAVE);
-        NoteBoxes();
         Type(IDC_PAGE_PORT, "99");
-        EXPECT_EQ(ChooseFile(save, "typed"), "ChanInfo");
+        ChooseFile(save, "typed");
+        EXPECT_EQ(proposed, "ChanInfo");
         ChannelTable saved{};
         EXPECT_TRUE(ReadSettingsFile("typed.rsf", saved));
-        EXPECT_TRUE(saved == typed) << Difference(saved, typed);
+        EXPECT_EQ(Differing(saved, typed), "");
         ChooseFile(save, "other.rsf");  // nobody asks
         WriteSettingsFile("other.rsf", other);
         EXPECT_EQ(boxes, "");
@@ -419,8 +375,7 @@ TEST_F(ChannelSettingDlg, LoadsAndSavesSettingsFiles) {
         }
         EXPECT_EQ(boxes, "");
     });
-    EXPECT_TRUE(table == other) << Difference(table, other);
-    EXPECT_TRUE(g_channelInfo == DistinctTable()) << "the caller takes the table, or doesn't";
+    EXPECT_EQ(Differing(g_channelInfo, DistinctTable()), "");
 }
 
 TEST_F(ChannelSettingDlg, PastesAddresses) {
@@ -460,24 +415,22 @@ TEST_F(ChannelSettingDlg, PastesAddresses) {
             fields.netName = fields.host.empty() ? "" : "(" + fields.host + ")";
             Commit(fields, expected[static_cast<std::size_t>(c.tab) + k]);
         }
-        const ChannelTable table = Run(
+        Run(
+            expected,
             [&] {
-                NoteBoxes();
+                boxes.clear();
                 if (c.text.empty()) {
                     QApplication::clipboard()->clear();
                 } else {
                     SetClipboardText(QString::fromStdString(c.text));
                 }
                 Click(IDC_SETTING_PASTE);
-                boxPoll.stop();
                 EXPECT_EQ(boxes, c.says.empty() ? c.says : c.says + "|");
                 EXPECT_EQ(Tabs().GetCurSel(), c.tab);
                 const int last = c.tab + std::max(0, int(c.hosts.size()) - 1);
                 EXPECT_EQ(Seen(), std::vector<int>{last});
             },
             IDOK, c.tab);
-        EXPECT_TRUE(table == expected) << c.text.substr(0, 100) << "\n"
-                                       << Difference(table, expected).substr(0, 500);
     }
 }
 
@@ -487,10 +440,12 @@ TEST_F(ChannelSettingDlg, KeepsOneConnectionOfThePageInSight) {
     for (ChannelInfo& record : g_channelInfo) {
         SetFieldText(record.host, "127.0.0.1");
         SetFieldText(record.port, std::to_string(camera.Port()));
-        SetFieldText(record.password, "word");
+        SetFieldText(record.netName, "Camera");
     }
     g_channelInfo[3].rateIndex = 9;
-    Run([&] {
+    ChannelTable expected = g_channelInfo;
+    expected[3].rateIndex = 1;
+    Run(expected, [&] {
         // The query of the next connection.
         const auto query = [&camera](LoopbackPeer& peer) {
             peer = camera.Accept();

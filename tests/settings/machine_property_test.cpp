@@ -38,14 +38,11 @@ TEST(MachineProperty, ReadsBlocksLineByLine) {
              {all + kEnd + kEnd, "a:b,m,j,s,g,1,2,3, 80,\n" + empty},
              {"DNS1:\n\r\n" + kEnd, ",,,,,\n,,,,\n"},
              {kEnd + "\r\n", empty + "!"},
-             {kEnd + "Port:1\r\n", empty + "!"},
              {"Port:1\r\n==========", "!=========="},
              {"ipaddress:1\r\n" + kEnd, "!" + kEnd},
-             {"Port :1\r\n" + kEnd, "!" + kEnd},
              {"Port\r\n" + kEnd, "!" + kEnd},
              {":1\r\n" + kEnd, "!" + kEnd},
              {" ==========\r\n" + kEnd, "!" + kEnd},
-             {std::string(1 << 20, 'x'), "!" + std::string(1 << 20, 'x')},
          }) {
         EXPECT_EQ(Read(text), blocks) << text.substr(0, 100);
     }

@@ -42,17 +42,6 @@ TEST(PageFields, ChangesOnlyTheBytesOfAFieldThatSaysSomethingElse) {
     }
 }
 
-TEST(PageFields, CutsALongTextBeforeACharacter) {
-    ChannelInfo record = FactoryChannelTable()[0];
-    PageFields fields = FieldsOf(record);
-    fields.host = std::string(257, 'h') + "\u20ac";
-    DefaultNetName(fields);
-    Commit(fields, record);
-    EXPECT_EQ(record.host, std::string(257, 'h'));
-    EXPECT_EQ(record.netName, "(" + std::string(257, 'h'));
-    EXPECT_EQ(std::string(record.port), "80") << "the next field";
-}
-
 TEST(PageFields, TakesMaxSizeFromTheLeadingDigits) {
     for (const auto& [text, value] : std::vector<std::pair<std::string, std::int32_t>>{
              {"", 0},
