@@ -449,7 +449,7 @@ TEST_F(ChannelSettingDlg, KeepsOneConnectionOfThePageInSight) {
         // The query of the next connection.
         const auto query = [&camera](LoopbackPeer& peer) {
             peer = camera.Accept();
-            EXPECT_TRUE(ComesToRest());
+            QCoreApplication::processEvents();  // connected: it sends at once
             const std::string request = peer.ReceiveUntil("\r\n\r\n");
             return request.substr(0, request.find(" HTTP"));
         };
@@ -466,8 +466,7 @@ TEST_F(ChannelSettingDlg, KeepsOneConnectionOfThePageInSight) {
         camera.Close();
         const std::size_t descriptors = OpenDescriptors();
         for (int k = 0; k < 1000; ++k) SelectTab(k % kChannelCount);
-        EXPECT_TRUE(ComesToRest());
-        EXPECT_LE(OpenDescriptors(), descriptors + 1);
+        EXPECT_LE(OpenDescriptors(), descriptors);
     });
 }
 
