@@ -2,8 +2,10 @@
 
 #include "config/settings_file.h"
 #include "platform/clipboard.h"
+#include "platform/descriptor.h"
 #include "platform/dialog_layout.h"
 #include "platform/file_chooser.h"
+#include "platform/ui_activity.h"
 #include "res/resource_ids.h"
 #include "settings/channel_page_dlg.h"
 #include "settings/machine_property.h"
@@ -12,8 +14,9 @@
 #include <QPushButton>
 
 #include <algorithm>
-#include <fstream>
+#include <fcntl.h>
 #include <new>
+#include <optional>
 
 namespace marvolen {
 namespace {
@@ -28,6 +31,11 @@ FileChooserOptions SettingsFiles() {
     options.initialName = QStringLiteral("ChanInfo");
     options.asksBeforeOverwriting = false;
     return options;
+}
+
+// Asked without waiting, as a pipe that nobody writes to would have it.
+bool CanBeRead(const std::string& path) {
+    return Descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)).IsOpen();
 }
 
 }  // namespace
@@ -82,7 +90,10 @@ void CChannelSettingDlg::OnInitDialog() {
     channels = g_channelInfo;
     const bool complete = MakePages();
     FitScreen(*this, sizeHint().expandedTo(MapDialogUnits(kDialogUnits)));
-    if (!complete) return MessageBox(QStringLiteral("A page can't be made: out of memory."));
+    if (!complete) {
+        return PostCommand(
+            *this, [this] { MessageBox(QStringLiteral("A page can't be made: out of memory.")); });
+    }
     tabs->SetCurSel(initialTab);
     ShowPage(initialTab);
 }
@@ -138,7 +149,7 @@ void CChannelSettingDlg::Save() {
 
 void CChannelSettingDlg::Load() {
     const std::optional<std::string> path = ChooseFileToOpen(this, SettingsFiles());
-    if (!path || !std::ifstream(*path, std::ios::binary)) return;
+    if (!path || !CanBeRead(*path)) return;
     if (!ReadSettingsFile(*path, channels)) return MessageBox(QStringLiteral("Invalid File"));
     for (int k = 0; k < tabs->GetItemCount(); ++k) tabs->GetPage(k)->FillFromRecord();
 }
@@ -146,6 +157,7 @@ void CChannelSettingDlg::Load() {
 void CChannelSettingDlg::Paste() {
     std::string text;
     const ClipboardRead read = GetClipboardText(text);
+    if (!isVisible()) return;  // ended meanwhile: a message box would keep the program from its end
     if (read == ClipboardRead::CannotOpen) {
         return MessageBox(QStringLiteral("Open Clipboard Failed"));
     }

@@ -17,7 +17,7 @@
 #include "platform/dialog.h"
 #include "settings/channel_tab_ctrl.h"
 
-#include <string>
+#include <string_view>
 
 class QPushButton;
 
