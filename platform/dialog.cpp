@@ -87,7 +87,7 @@ QSize CDialog::MapDialogUnits(QSize units) const {
 }
 
 void CDialog::MessageBox(const QString& text) {
-    ShowMessageBox(this, windowTitle(), text);
+    ShowMessageBox(this, window()->windowTitle(), text);
 }
 
 void CDialog::AppendSystemMenu(int command, const QString& text) {

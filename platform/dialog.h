@@ -61,7 +61,7 @@ public:
     // width, and an eighth of its height.
     QSize MapDialogUnits(QSize units) const;
 
-    // A modal box with this text, the window's title and an OK button.
+    // A modal box with this text, an OK button and the title of the window that this is or is in.
     void MessageBox(const QString& text);
 
     // The window's own menu, which a right click on the window opens: the usual window commands and

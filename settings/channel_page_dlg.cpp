@@ -15,12 +15,11 @@ namespace marvolen {
 namespace {
 
 template <typename Options>
-void FillBox(QComboBox& box, const Options& options, std::int32_t row) {
+void FillBox(QComboBox& box, const Options& options) {
     box.clear();
     for (const auto& option : options) {
         box.addItem(QString::fromUtf8(option.label.data(), qsizetype(option.label.size())));
     }
-    box.setCurrentIndex(row < box.count() ? row : -1);
 }
 
 void Choose(QComboBox& box, std::int32_t row) {
@@ -40,9 +39,9 @@ CChannelPageDlg::CChannelPageDlg(QWidget* parent, ChannelInfo& itsRecord, NetCha
 }
 
 void CChannelPageDlg::FillFromRecord() {
-    FillBox(*cameraBox, g_cameraOptions, record.cameraIndex);
-    FillBox(*sizeBox, g_sizeOptions, record.sizeIndex);
-    FillBox(*rateBox, g_rateOptions, record.rateIndex);
+    FillBox(*cameraBox, g_cameraOptions);
+    FillBox(*sizeBox, g_sizeOptions);
+    FillBox(*rateBox, g_rateOptions);
     SetFields(FieldsOf(record));
 }
 
@@ -109,8 +108,7 @@ void CChannelPageDlg::ChoosePath() {
     FileChooserOptions options;
     options.filters = QStringLiteral("DBT Files (*.dbt)|*.dbt|All Files (*.*)|*.*||");
     options.defaultExtension = QStringLiteral("dbt");
-    options.initialName =
-        QStringLiteral("chl%1").arg(qint64(record.channelIndex) + 1, 2, 10, QLatin1Char('0'));
+    options.initialName = QString::asprintf("chl%.2lld", record.channelIndex + 1LL);
     const std::optional<std::string> path = ChooseFileToSave(this, options);
     if (!path) return;
     if (CFieldEdit::Fits(*path)) {
