@@ -99,6 +99,7 @@ int CTabCtrl::InsertItem(const QString& text, QWidget* page) {
 }
 
 void CTabCtrl::SetCurSel(int index) {
+    if (index < 0 || index >= GetItemCount()) return;
     const int former = std::exchange(selected, index);
     const bool hadFocus = former >= 0 && tabs[static_cast<std::size_t>(former)]->hasFocus();
     for (Tab* tab : tabs) {
@@ -148,6 +149,11 @@ void CTabCtrl::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || hit < 0) return;
     Select(hit);
     tabs[static_cast<std::size_t>(hit)]->setFocus(Qt::MouseFocusReason);
+}
+
+// Quick clicks may be on two tabs, and the second may begin a drag.
+void CTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
+    mousePressEvent(event);
 }
 
 void CTabCtrl::keyPressEvent(QKeyEvent* event) {

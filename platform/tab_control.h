@@ -28,7 +28,7 @@ public:
     int GetItemCount() const { return static_cast<int>(tabs.size()); }
     // The selected tab; -1 without any.
     int GetCurSel() const { return selected; }
-    // Selects a tab without telling of it.
+    // Selects a tab without telling of it; nothing happens for an index there isn't.
     void SetCurSel(int index);
     // The page of a tab; null for an index there isn't, and once the page has gone.
     QWidget* GetItemData(int index) const;
@@ -53,7 +53,8 @@ protected:
     // Selects as the user does.
     void Select(int index);
 
-    void mousePressEvent(QMouseEvent* event) override;  // left button: selects
+    void mousePressEvent(QMouseEvent* event) override;        // left button: selects
+    void mouseDoubleClickEvent(QMouseEvent* event) override;  // a press like any other
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -67,8 +67,10 @@ void CDragTabCtrl::keyPressEvent(QKeyEvent* event) {
     CTabCtrl::keyPressEvent(event);
 }
 
+// A command that is still to come does nothing either: the pages may be gone by then.
 void CDragTabCtrl::hideEvent(QHideEvent* event) {
-    CancelDrag();
+    EndCapture();
+    dragFrom = dragTo = -1;
     CTabCtrl::hideEvent(event);
 }
 

@@ -25,6 +25,7 @@
 
 #include <cstring>
 #include <functional>
+#include <sys/stat.h>
 
 namespace marvolen::test {
 namespace {
@@ -280,6 +281,14 @@ TEST_F(ChannelSettingDlg, ClearsATabThatIsDroppedOutsideUnlessTheDragEndsBefore)
              QCoreApplication::sendEvent(&Tabs(), &lost);
              Drop(outside);
          }},
+        {true,  // the second of two quick clicks begins the drag
+         [&] {
+             SelectTab(2);
+             QMouseEvent press(QEvent::MouseButtonDblClick, Middle(2),
+                               Tabs().mapToGlobal(Middle(2)), Qt::LeftButton, Qt::LeftButton, {});
+             QCoreApplication::sendEvent(&Tabs(), &press);
+             Drop(outside);
+         }},
         {false,  // the drag begins on the page
          [&] {
              QTest::mousePress(&Tabs(), Qt::LeftButton, {}, onPage());
@@ -335,6 +344,7 @@ TEST_F(ChannelSettingDlg, LoadsAndSavesSettingsFiles) {
     std::string bytes = ReadWholeFile("other.rsf");
     WriteWholeFile("short.rsf", bytes.substr(1));
     WriteWholeFile("long.rsf", bytes + "x");
+    ASSERT_EQ(mkfifo("pipe.rsf", 0600), 0);
     std::filesystem::create_symlink("/no/such/folder/x.rsf", "nowhere.rsf");
     ChannelTable typed = DistinctTable();
     SetFieldText(typed[2].port, "99");
@@ -352,7 +362,7 @@ TEST_F(ChannelSettingDlg, LoadsAndSavesSettingsFiles) {
         EXPECT_EQ(boxes, "");
         ChooseFile(save, "nowhere.rsf");
         EXPECT_EQ(boxes, "Unable To Save!|");
-        for (const char* name : {"short.rsf", "long.rsf"}) {
+        for (const char* name : {"short.rsf", "long.rsf", "pipe.rsf"}) {
             boxes.clear();
             ChooseFile(load, name);
             EXPECT_EQ(boxes, "Invalid File|");
@@ -431,6 +441,37 @@ TEST_F(ChannelSettingDlg, PastesAddresses) {
                 EXPECT_EQ(Seen(), std::vector<int>{last});
             },
             IDOK, c.tab);
+    }
+}
+
+// As when the program is asked to end.
+TEST_F(ChannelSettingDlg, EndsWithAllWindowsWhateverIsOpenOverIt) {
+    poll.stop();
+    SetClipboardText(QStringLiteral("rubbish"));
+    const std::vector<std::function<void()>> openers{
+        [this] { Click(IDC_SETTING_LOAD); },
+        [this] { Click(IDC_SETTING_SAVE); },
+        [this] { Click(IDC_SETTING_PASTE); },
+        [this] { QTest::mouseClick(&Item<QWidget>(IDC_PAGE_CHOOSE_PATH), Qt::LeftButton); },
+        [this] { Drag(2, Middle(6)), Drop(Middle(6)); },
+        [this] {
+            Drag(2, {-500, 30});
+            QTest::mouseRelease(&Tabs(), Qt::LeftButton, {}, {-500, 30});
+            QApplication::closeAllWindows();  // before the command is carried out
+        },
+    };
+    for (const auto& open : openers) {
+        CChannelSettingDlg made(nullptr);
+        dialog = &made;
+        made.SetInitialTab(2);
+        QTimer::singleShot(0, &made, [&] {
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&made));
+            QTimer::singleShot(0, &made, &QApplication::closeAllWindows);
+            open();
+        });
+        EXPECT_EQ(made.DoModal(), IDCANCEL);
+        EXPECT_FALSE(QApplication::activeModalWidget());
+        QCoreApplication::processEvents();  // commands that were under way
     }
 }
 
