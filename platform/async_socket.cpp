@@ -3,13 +3,16 @@
 #include "platform/descriptor_watch.h"
 #include "platform/host_resolver.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
+#include <cstring>
 #include <netinet/in.h>
 #include <optional>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <utility>
 
 namespace marvolen {
 namespace {
@@ -44,16 +47,12 @@ bool IsNetworkError(int systemError) {
     }
 }
 
-bool HasBytes(int descriptor) {
-    int available = 0;
-    return ioctl(descriptor, FIONREAD, &available) == 0 && available > 0;
-}
-
 }  // namespace
 
 CAsyncSocket::CAsyncSocket() = default;
 
 CAsyncSocket::~CAsyncSocket() {
+    if (destroyed) *destroyed = true;
     Close();
 }
 
@@ -112,31 +111,59 @@ void CAsyncSocket::OnWritable() {
     }
     watch.reset();
     if (error == 0) {
+        readAhead.resize(kReadAhead);
         watch = std::make_unique<DescriptorWatch>(
             descriptor.Get(), DescriptorWatch::Readiness::Read, [this] { OnReadable(); });
     }
     OnConnect(Translate(error));
 }
 
-// Calls at most one handler, last, since that may destroy the socket. While the descriptor is
-// ready, every turn makes progress: Receive is asked for, or the reports end.
+// What a handler left behind, running an event loop of its own, comes first.
 void CAsyncSocket::OnReadable() {
-    if (HasBytes(descriptor.Get())) {
+    if (IsWaiting() || ReadAhead()) return Report();
+    StopReports();
+    OnClose();
+}
+
+// False at the end of the stream.
+bool CAsyncSocket::ReadAhead() {
+    ssize_t received = 0;
+    do {
+        received = recv(descriptor.Get(), readAhead.data(), readAhead.size(), 0);
+    } while (received < 0 && errno == EINTR);
+    readBegin = 0;
+    readEnd = received > 0 ? static_cast<std::size_t>(received) : 0;
+    readError = received < 0 && errno != EAGAIN ? errno : 0;
+    if (readError != 0) StopReports();
+    return received != 0;
+}
+
+// Reports what was read ahead, until a handler closes or destroys the socket. One that receives
+// nothing is asked again in a later turn of the event loop. An error is told once.
+void CAsyncSocket::Report() {
+    bool gone = false;
+    bool* const outer = std::exchange(destroyed, &gone);
+    while (!gone && IsWaiting()) {
+        const std::size_t before = readBegin;
+        const bool isError = readBegin == readEnd;
         OnReceive();
-        return;
+        if (gone) break;
+        if (isError) readError = 0;
+        if (readBegin == before && readBegin < readEnd) {
+            ReportLater();
+            break;
+        }
     }
-    pollfd state{descriptor.Get(), POLLIN | POLLRDHUP, 0};
-    if (poll(&state, 1, 0) != 1) return;
-    const bool failed = (state.revents & (POLLERR | POLLNVAL)) != 0;
-    const bool ended = (state.revents & (POLLHUP | POLLRDHUP)) != 0;
-    // Bytes may have come in between. Behind the end of the stream there are none.
-    const bool over = (failed || ended) && !HasBytes(descriptor.Get());
-    if (over) StopReports();
-    if (over && !failed) {
-        OnClose();
-    } else {
-        OnReceive();
-    }
+    if (!gone) destroyed = outer;
+    if (gone && outer) *outer = true;
+}
+
+void CAsyncSocket::ReportLater() {
+    reportingLater = std::make_shared<CAsyncSocket*>(this);
+    const auto report = [weak = std::weak_ptr(reportingLater)] {
+        if (const auto socket = weak.lock()) (*socket)->Report();
+    };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), report, Qt::QueuedConnection);
 }
 
 std::ptrdiff_t CAsyncSocket::Send(std::span<const std::uint8_t> bytes) {
@@ -149,6 +176,16 @@ std::ptrdiff_t CAsyncSocket::Send(std::span<const std::uint8_t> bytes) {
 }
 
 std::ptrdiff_t CAsyncSocket::Receive(std::span<std::uint8_t> buffer) {
+    if (readBegin < readEnd) {
+        const std::size_t size = std::min(buffer.size(), readEnd - readBegin);
+        std::memcpy(buffer.data(), readAhead.data() + readBegin, size);
+        readBegin += size;
+        return static_cast<std::ptrdiff_t>(size);
+    }
+    if (readError != 0) {
+        Fail(std::exchange(readError, 0));
+        return -1;
+    }
     ssize_t received = 0;
     do {
         received = recv(descriptor.Get(), buffer.data(), buffer.size(), 0);
@@ -162,6 +199,9 @@ std::ptrdiff_t CAsyncSocket::Receive(std::span<std::uint8_t> buffer) {
 void CAsyncSocket::Close() {
     lookup.reset();
     watch.reset();
+    reportingLater.reset();
+    readBegin = readEnd = 0;
+    readError = 0;
     descriptor.Close();
 }
 

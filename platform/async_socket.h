@@ -4,6 +4,9 @@
 // handlers, on the interface thread, from the event loop.
 //
 // - Reports are level-triggered: OnReceive comes again as long as bytes wait that weren't received.
+// - What waits is read ahead, up to kReadAhead bytes at a time, and reported from there. A peer
+// that
+//   never pauses gets no more than that before the other sockets have their turn.
 // - After the end of the stream or an error the connection reports nothing more. A dead connection
 //   that is kept costs nothing.
 // - After Close, or once destroyed, a socket reports nothing more, not even when that happens
@@ -20,6 +23,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace marvolen {
 
@@ -29,6 +33,9 @@ class HostRequest;
 inline constexpr int kWouldBlock = 10035;    // nothing to be had right now
 inline constexpr int kTimedOut = 10060;      // the peer didn't answer in time
 inline constexpr int kHostNotFound = 11001;  // the name has no address
+
+// Bytes that a socket takes from the system at once.
+inline constexpr std::size_t kReadAhead = 65536;
 
 class CAsyncSocket {
 public:
@@ -78,11 +85,23 @@ private:
     int BeginConnect(std::uint32_t address, std::uint16_t port);
     void OnWritable();
     void OnReadable();
+    bool ReadAhead();
+    bool IsWaiting() const { return readBegin < readEnd || readError != 0; }
+    void Report();
+    void ReportLater();
     void StopReports();
 
     Descriptor descriptor;
     int lastError = 0;
     int connectError = 0;  // what connecting said at once, to be reported from the event loop
+
+    // Read ahead: bytes [readBegin, readEnd), and behind them an error of the system's or none.
+    std::vector<std::uint8_t> readAhead;
+    std::size_t readBegin = 0;
+    std::size_t readEnd = 0;
+    int readError = 0;
+    std::shared_ptr<CAsyncSocket*> reportingLater;  // whoever holds it may report
+    bool* destroyed = nullptr;                      // where to say so while Report runs
 
     // At most one is there: while the name is looked up; while connecting and when connected.
     std::unique_ptr<HostRequest> lookup;

@@ -28,6 +28,7 @@ class RecordingSocket : public CAsyncSocket {
 public:
     std::vector<int> connects;  // the errors
     int receives = 0, closes = 0;
+    int lets = 0;  // so many notifications pass without a receive
     std::string received;
     std::function<void()> during = [] {};  // every notification; may destroy the socket
 
@@ -48,7 +49,7 @@ protected:
     }
     void OnReceive() override {
         ++receives;
-        ReceiveOnce();
+        if (--lets < 0) ReceiveOnce();
         Run();
     }
     void OnClose() override {
@@ -150,6 +151,29 @@ TEST_F(AsyncSocketTest, MayCloseOrEndInsideItsOwnHandlers) {
         peer.Close();
         EXPECT_TRUE(ends() && ComesToRest());
     }
+}
+
+// What is read ahead is reported piece by piece, to who is still there.
+TEST_F(AsyncSocketTest, ReportsWhatItReadAheadUntilItIsClosedAndAgainToWhoReceivesNothing) {
+    for (const bool ends : {false, true}) {
+        Connect();
+        socket->during = [&] {
+            if (socket->receives == 3) ends ? socket.reset() : socket->Close();
+        };
+        peer.Send(std::string(20000, 'x'));
+        ASSERT_TRUE(WaitUntil([&] { return !socket || !socket->IsOpen(); }));
+        EXPECT_TRUE(ComesToRest() && (ends || socket->received.size() == 3 * 2003));
+    }
+    Connect();
+    socket->lets = 3;
+    peer.Send("late");
+    ASSERT_TRUE(WaitUntil([&] { return socket->received == "late"; }));
+    EXPECT_EQ(socket->receives, 4);
+    socket->lets = 1;
+    peer.Send("never");
+    ASSERT_TRUE(WaitUntil([&] { return socket->receives == 5; }));
+    socket.reset();
+    EXPECT_TRUE(ComesToRest());
 }
 
 // A name server that answers when it is told to.
