@@ -99,6 +99,8 @@ TEST_F(RecordFileTest, RecordsAreFoundByNumberWithFewReads) {
     file->CloseReader();
     EXPECT_FALSE(file->StepForward() || file->StepBack() || file->SeekTo(0) || Shows({599, 7}));
     EXPECT_EQ(file->RecordCount(), 0U);
+    ASSERT_TRUE(Read() && file->CreateNew("other.dbt", kMiB) && Append(7));
+    EXPECT_FALSE(file->ReadRecord(*pool.Acquire())) << "forgets the file it read";
 }
 
 TEST_F(RecordFileTest, AHeadThatCannotBeReadLeavesTheNewestChunkOnly) {
