@@ -24,7 +24,8 @@
 namespace marvolen {
 
 // At most so many bytes are received for each notification that data waits; when there are more,
-// the notification comes again, and the other channels have had their turn in between.
+// the notification comes again. The other channels have their turn when what the socket read ahead
+// has been received (platform/async_socket.h).
 inline constexpr std::size_t kReceiveSize = 2003;
 
 class StreamSource : public FrameReceiver {

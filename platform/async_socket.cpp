@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <netinet/in.h>
+#include <new>
 #include <optional>
 #include <sys/socket.h>
 #include <utility>
@@ -110,8 +111,12 @@ void CAsyncSocket::OnWritable() {
         error = errno;
     }
     watch.reset();
+    try {
+        if (error == 0) readAhead.resize(kReadAhead);
+    } catch (const std::bad_alloc&) {
+        error = ENOMEM;
+    }
     if (error == 0) {
-        readAhead.resize(kReadAhead);
         watch = std::make_unique<DescriptorWatch>(
             descriptor.Get(), DescriptorWatch::Readiness::Read, [this] { OnReadable(); });
     }
@@ -200,13 +205,16 @@ void CAsyncSocket::Close() {
     lookup.reset();
     watch.reset();
     reportingLater.reset();
+    readAhead = {};
     readBegin = readEnd = 0;
     readError = 0;
     descriptor.Close();
 }
 
+// Nothing is read ahead any more: its memory goes with what was left of it.
 void CAsyncSocket::StopReports() {
     if (watch != nullptr) watch->Disable();
+    if (readBegin == readEnd) readAhead = {};
 }
 
 bool CAsyncSocket::Fail(int systemError) {

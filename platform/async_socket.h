@@ -5,10 +5,9 @@
 //
 // - Reports are level-triggered: OnReceive comes again as long as bytes wait that weren't received.
 // - What waits is read ahead, up to kReadAhead bytes at a time, and reported from there. A peer
-// that
-//   never pauses gets no more than that before the other sockets have their turn.
+//   that never pauses gets no more than that before the other sockets have their turn.
 // - After the end of the stream or an error the connection reports nothing more. A dead connection
-//   that is kept costs nothing.
+//   that is kept costs its descriptor.
 // - After Close, or once destroyed, a socket reports nothing more, not even when that happens
 //   inside one of its own handlers, which may do both.
 // - Name resolution happens aside (platform/host_resolver.h); only IPv4 is spoken. Writing to a
