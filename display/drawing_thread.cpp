@@ -48,11 +48,12 @@ bool DrawingThread::Open() {
 }
 
 void DrawingThread::Close() {
+    Released released;  // behind the lock
     const MutexLock guard(lock);
     DropPictures();
     opened = false;
     releaseDue = true;
-    if (!decoding) Release();
+    if (!decoding) released = Release();
 }
 
 // Afterwards no picture handed over before can become the current image. One that waits is not even
@@ -62,12 +63,16 @@ void DrawingThread::DropPictures() {
     imageValid = false;
 }
 
-// Called by whoever finds that the thread isn't using them any more.
-void DrawingThread::Release() {
-    if (!std::exchange(releaseDue, false)) return;
+// Called by whoever finds that the thread isn't using them any more, who frees them without holding
+// the lock: the interface thread must not wait for an idle one that does so.
+DrawingThread::Released DrawingThread::Release() {
+    Released released;
+    if (!std::exchange(releaseDue, false)) return released;
+    released.picture = std::move(picture);
     picture.Reset();
     picture.InitHeader();
-    if (!opened) stretcher.reset();
+    if (!opened) released.stretcher = std::move(stretcher);
+    return released;
 }
 
 bool DrawingThread::QueuePicture(std::span<const std::uint8_t> jpeg) {
@@ -162,9 +167,10 @@ bool DrawingThread::PublishImage(const PaneView& target) {
 }
 
 void DrawingThread::EndPicture() {
+    Released released;  // behind the lock
     const MutexLock guard(lock);
     decoding = false;
-    Release();
+    released = Release();
     busy = false;
 }
 

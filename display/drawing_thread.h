@@ -6,8 +6,8 @@
 // The interface thread hands over a copy of the newest JPEG picture, and only while the thread is
 // free; every other picture is skipped. The thread decodes the copy, stretches it to the size of
 // the pane's video area and swaps it in as the current image, which the interface thread only
-// blits. At most one picture and one image wait. Once buffers have reached their sizes nothing on
-// this road allocates.
+// blits. At most one picture and one image wait. Once buffers have reached their sizes handing
+// over and stretching allocate nothing.
 //
 // The current image is what the pane shows until another takes its place. It is dropped by Open,
 // Close and every change of the view, so that a pane is black until the next picture rather than
@@ -108,7 +108,11 @@ private:
     void EndPicture();
 
     void DropPictures() REQUIRES(lock);
-    void Release() REQUIRES(lock);
+    struct Released {
+        DibImage picture;
+        std::unique_ptr<Stretcher> stretcher;
+    };
+    Released Release() REQUIRES(lock);
 
     // Constant after construction.
     const std::function<void()> imageFinished;
