@@ -1,6 +1,7 @@
 #include "platform/input_dropper.h"
 
-#include <QEvent>
+#include "platform/ui_activity.h"
+
 #include <QGuiApplication>
 
 namespace marvolen {
@@ -28,30 +29,17 @@ void InputDropper::GiveTurn() {
 
 bool InputDropper::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
         case QEvent::Shortcut:
         case QEvent::ShortcutOverride:
         case QEvent::InputMethod:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove:
         case QEvent::ContextMenu:
-        case QEvent::Wheel:
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-        case QEvent::TabletPress:
-        case QEvent::TabletMove:
-        case QEvent::TabletRelease:
         case QEvent::NativeGesture:
         case QEvent::DragEnter:
         case QEvent::DragMove:
         case QEvent::Drop:
             return true;
         default:
-            return false;
+            return IsInput(event->type());
     }
 }
 

@@ -1,5 +1,7 @@
 #include "platform/tab_control.h"
 
+#include "platform/ui_activity.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
@@ -30,7 +32,7 @@ public:
     bool IsSelected() const { return control.GetCurSel() == index; }
     void ShowSelection() {
         setFocusPolicy(IsSelected() ? Qt::StrongFocus : Qt::NoFocus);
-        update();
+        RequestPaint(*this, rect());
         QAccessible::State changed;
         changed.selected = true;
         NotifyAccessibleState(changed);
@@ -223,7 +225,7 @@ void CTabCtrl::LayOut() {
         tab->setGeometry(left, k / columns * tabHeight, right - left, tabHeight);
         if (tab->page) tab->page->setGeometry(DisplayRect());
     }
-    update();
+    RequestPaint(*this, rect());
 }
 
 }  // namespace marvolen

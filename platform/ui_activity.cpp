@@ -3,7 +3,6 @@
 #include "platform/thread_annotations.h"
 
 #include <QCoreApplication>
-#include <QEvent>
 #include <QPointer>
 #include <QWidget>
 
@@ -30,27 +29,6 @@ std::uint64_t Count(WaitingMessage::Kind kind) {
     const MutexLock guard(g_postedLock);
     g_posted.emplace_hint(g_posted.end(), g_nextTurn, kind);
     return g_nextTurn++;
-}
-
-bool IsInput(QEvent::Type type) {
-    switch (type) {
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove:
-        case QEvent::Wheel:
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-        case QEvent::TabletPress:
-        case QEvent::TabletMove:
-        case QEvent::TabletRelease:
-            return true;
-        default:
-            return false;
-    }
 }
 
 // Sees every event of the interface thread as it is handed out. The application owns it.
@@ -87,13 +65,35 @@ private:
 
 }  // namespace
 
+bool IsInput(QEvent::Type type) {
+    switch (type) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TabletPress:
+        case QEvent::TabletMove:
+        case QEvent::TabletRelease:
+            return true;
+        default:
+            return false;
+    }
+}
+
 bool IsUiBusy() {
     if (EventWatch::OfApplication().IsInputComing()) return true;
     {
         const MutexLock guard(g_postedLock);
         if (!g_posted.empty()) return g_posted.begin()->second == WaitingMessage::Kind::Command;
     }
-    std::erase_if(g_awaitPaints, [](const auto& widget) { return !widget; });
+    std::erase_if(g_awaitPaints,
+                  [](const auto& widget) { return !widget || widget->visibleRegion().isEmpty(); });
     return !g_awaitPaints.empty() ||
            std::any_of(g_timers.begin(), g_timers.end(),
                        [](const ArmedTimer* timer) { return timer->IsDue(); });

@@ -7,6 +7,7 @@
 // arms and asks for itself is counted here, and the user's input is seen as it is handed out: it
 // comes in bursts, and for a moment after some more of it counts as waiting.
 
+#include <QEvent>
 #include <QRect>
 
 #include <chrono>
@@ -20,6 +21,9 @@ namespace marvolen {
 
 // How long after the user's latest input more of it counts as waiting.
 inline constexpr std::chrono::milliseconds kInputBurst(50);
+
+// Whether an event is the user's: a key, the mouse, a wheel, a touch or a pen.
+bool IsInput(QEvent::Type type);
 
 // Interface thread. Busy: input waits, or the first of what else waits is a command, a repaint that
 // was asked for by RequestPaint, or a timer of a CWnd that is due. Posted messages come before
