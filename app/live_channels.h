@@ -99,7 +99,8 @@ public:
     bool IsRecording(int k) const { return channels[Index(k)].recording; }
 
     // An event (NETEVENT_...) that the owner was told, in a later turn of the event loop. One of a
-    // channel that was closed since is ignored.
+    // channel that is closed is ignored; one of a connection that was replaced since counts for the
+    // channel's present one.
     void OnNetEvent(int code, const ChannelInfo& info);
 
     // A tick of the timer id.
