@@ -8,7 +8,7 @@
 // its end. The last line tells how long the window took to end.
 
 #include "app/marvolen_dlg.h"
-#include "bench/photograph.h"
+#include "bench/photograph_camera.h"
 #include "platform/text_field.h"
 #include "tools/camera_server/camera_server.h"
 
@@ -22,11 +22,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
-#include <unistd.h>
-#include <vector>
 
 namespace marvolen {
 namespace {
@@ -38,28 +35,8 @@ double MillisecondsSince(Clock::time_point then) {
     return std::chrono::duration<double, std::milli>(Clock::now() - then).count();
 }
 
-class Photographs final : public PictureSource {
-public:
-    Photographs() {
-        for (unsigned seed = 0; seed < 8; ++seed) {
-            const auto photograph = bench::MakePhotograph(704, 480, 6, seed);
-            pictures.push_back(MakePicture(bench::EncodeJpeg(photograph, 75)));
-        }
-    }
-    PicturePtr At(const View&, std::uint64_t n) override { return pictures[n % pictures.size()]; }
-
-private:
-    std::vector<PicturePtr> pictures;
-};
-
 long Entries(const char* folder) {
     return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
-}
-
-double ResidentMegabytes() {
-    long pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
-    return double(pages) * double(sysconf(_SC_PAGESIZE)) / 1048576;
 }
 
 void FillChannelTable(const CameraServer& server) {
@@ -75,7 +52,7 @@ void FillChannelTable(const CameraServer& server) {
 
 void PrintLine(const char* name, double longestGap) {
     std::printf("%-16s %8.1f ms %8.1f MB %4ld threads %4ld descriptors\n", name, longestGap,
-                ResidentMegabytes(), Entries("/proc/self/task"), Entries("/proc/self/fd"));
+                bench::ResidentMegabytes(), Entries("/proc/self/task"), Entries("/proc/self/fd"));
     std::fflush(stdout);
 }
 
@@ -83,7 +60,7 @@ void Run(std::chrono::seconds perFault) {
     const QTemporaryDir folder;
     QDir::setCurrent(folder.path());
     CameraServer server({.checkCredentials = false, .keepSent = false},
-                        std::make_shared<Photographs>());
+                        std::make_shared<bench::PhotographCamera>());
     if (!server.Start()) {
         std::fprintf(stderr, "failing_cameras_bench: %s\n", server.Error().c_str());
         std::exit(1);

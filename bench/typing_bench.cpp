@@ -6,7 +6,7 @@
 // answers. Prints the times from a key to the painted field, and the memory before and after a
 // thousand changes of the tab.
 
-#include "bench/photograph.h"
+#include "bench/photograph_camera.h"
 #include "platform/text_field.h"
 #include "res/resource_ids.h"
 #include "settings/channel_page_dlg.h"
@@ -20,26 +20,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <unistd.h>
 #include <vector>
 
 namespace marvolen {
 namespace {
-
-class Photographs final : public PictureSource {
-public:
-    Photographs() {
-        for (unsigned seed = 0; seed < 8; ++seed) {
-            const auto photograph = bench::MakePhotograph(704, 480, 6, seed);
-            pictures.push_back(MakePicture(bench::EncodeJpeg(photograph, 75)));
-        }
-    }
-    PicturePtr At(const View&, std::uint64_t n) override { return pictures[n % pictures.size()]; }
-
-private:
-    std::vector<PicturePtr> pictures;
-};
 
 // Notes when a widget is painted.
 class PaintWatch final : public QObject {
@@ -53,12 +37,6 @@ private:
         return false;
     }
 };
-
-double ResidentMegabytes() {
-    long pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
-    return double(pages) * double(sysconf(_SC_PAGESIZE)) / 1048576;
-}
 
 void Type(CChannelPageDlg& page) {
     auto* field = page.GetDlgItem<QLineEdit>(IDC_PAGE_USER_NAME);
@@ -82,7 +60,7 @@ void Type(CChannelPageDlg& page) {
 
 void Run() {
     CameraServer server({.checkCredentials = false, .keepSent = false},
-                        std::make_shared<Photographs>());
+                        std::make_shared<bench::PhotographCamera>());
     if (!server.Start()) return;
     g_channelInfo = FactoryChannelTable();
     for (int k = 0; k < kChannelCount; ++k) {
@@ -104,12 +82,12 @@ void Run() {
         }
     };
     change(100);
-    const double before = ResidentMegabytes();
+    const double before = bench::ResidentMegabytes();
     QElapsedTimer timer;
     timer.start();
     change(1000);
     std::printf("1000 changes of the tab   %5.1f ms each   %5.1f MB before   %5.1f MB after\n",
-                double(timer.elapsed()) / 1000, before, ResidentMegabytes());
+                double(timer.elapsed()) / 1000, before, bench::ResidentMegabytes());
 }
 
 }  // namespace
