@@ -1,7 +1,7 @@
 // record_file export: which records it takes, and what independent players make of them.
 
 #include "tests/playback/picture_recording.h"
-#include "tools/record_file/record_commands.h"
+#include "tests/record/tool_runner.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -14,19 +14,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ExportTest : public PictureRecording {
+class ExportTest : public PictureRecording, protected ToolRunner {
 protected:
     // With options divided by "|".
     int Export(const std::string& options = "") {
         std::vector<std::string> arguments = {"export", path, "out.avi"};
         std::istringstream text(options);
         for (std::string option; std::getline(text, option, '|');) arguments.push_back(option);
-        std::ostringstream results;
-        std::ostringstream complaints;
-        const int status = RunRecordTool(arguments, results, complaints);
-        out = results.str();
-        err = complaints.str();
-        return status;
+        return RunTool(arguments);
     }
     // What a player prints. It may complain of stream 1 only: plain text is no codec to it.
     static std::string Play(const std::string& command) {
@@ -38,9 +33,6 @@ protected:
         }
         return ReadWholeFile("printed");
     }
-
-    std::string out;
-    std::string err;
 };
 
 TEST_F(ExportTest, WritesTheRecordsFromAToB) {

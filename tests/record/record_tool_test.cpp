@@ -2,16 +2,15 @@
 
 #include "record/record_verifier.h"
 #include "tests/record/record_fixture.h"
+#include "tests/record/tool_runner.h"
 #include "tools/record_file/json_text.h"
-#include "tools/record_file/record_commands.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace marvolen::test {
 namespace {
 
-class RecordTool : public RecordFixture {
+class RecordTool : public RecordFixture, protected ToolRunner {
 protected:
     // A picture of 100 bytes as far as the verifier looks.
     static std::string Picture(int k) {
@@ -34,7 +33,7 @@ protected:
         words >> verb;
         if (verb == "$") {
             const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
-            const int status = Run(arguments);
+            const int status = RunTool(arguments);
             return out + err + "= " + std::to_string(status) + '\n';
         }
         words >> n[0] >> n[1] >> n[2];
@@ -48,16 +47,6 @@ protected:
         }
         return "";
     }
-    int Run(const std::vector<std::string>& arguments) {
-        std::ostringstream results;
-        std::ostringstream complaints;
-        const int status = RunRecordTool(arguments, results, complaints);
-        out = results.str();
-        err = complaints.str();
-        return status;
-    }
-    std::string out;
-    std::string err;
 };
 
 // The lines that begin with a verb are done; what they print must be what follows them.
@@ -82,17 +71,17 @@ TEST_F(RecordTool, ExtractWritesAPicture) {
     const auto count = static_cast<int>(file->RecordCount());
     file->CloseReader();
     for (int number = 0; number < count; number += 7) {
-        ASSERT_EQ(Run({"extract", path, std::to_string(number), "out.jpg"}), 0) << err;
+        ASSERT_EQ(RunTool({"extract", path, std::to_string(number), "out.jpg"}), 0) << err;
         ASSERT_EQ(ReadWholeFile("out.jpg"), Picture(1500 - count + number));
     }
     const std::string before = ReadWholeFile(path);
     std::filesystem::create_hard_link(path, "alias.jpg");
-    EXPECT_EQ(Run({"extract", path, "1", "alias.jpg"}), 2);
+    EXPECT_EQ(RunTool({"extract", path, "1", "alias.jpg"}), 2);
     EXPECT_EQ(ReadWholeFile(path), before) << "never onto the record file itself";
 }
 
 TEST_F(RecordTool, WritesJsonWhateverThePathAndHelpsWhereverItIsAskedTo) {
-    EXPECT_EQ(Run({"verify", "--help"}), 0);
+    EXPECT_EQ(RunTool({"verify", "--help"}), 0);
     EXPECT_NE(out.find("record_file verify"), out.npos);
     // Control characters, and whatever isn't UTF-8.
     EXPECT_EQ(JsonText("a\"b\\c\n\x01 \xE2\x82\xAC \xF0\x9F\x8E\xA5"),
