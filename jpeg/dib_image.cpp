@@ -36,38 +36,20 @@ bool DibImage::Resize(int width, int height) {
     return pixels != nullptr;
 }
 
-int DibImage::DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path) {
+int DibImage::DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path,
+                         JpegScale scale) {
     MemoryJpegSource source(bytes, count);
-    JpegDecoder decoder(&source, path);
+    JpegDecoder decoder(&source, path, scale);
     if (decoder.GetError() != 0 || decoder.StartDecompress() != 0) {
         lastError = decoder.GetError();
         return 0;
     }
-    if (!Resize(decoder.GetWidth(), decoder.GetHeight())) {
+    if (!Resize(decoder.OutputWidth(), decoder.OutputHeight())) {
         lastError = kJpegErrorMemory;
         return 0;
     }
-    const JpegKernels& kernels = ActiveJpegKernels();
-    JpegKernels::PackRow pack = nullptr;
-    switch (decoder.GetComponents()) {
-        case 1:
-            pack = kernels.packGray;
-            break;
-        case 3:
-            pack = kernels.packColour;
-            break;
-        default:
-            lastError = kJpegErrorComponents;
-            return 0;
-    }
-    const int bytesPerPixel = decoder.GetBytesPerPixel();
-    std::uint8_t* line = pixels.get() + Stride() * static_cast<std::size_t>(Height());
-    const std::uint8_t* row = nullptr;
-    int rowBytes = 0;
-    while (decoder.ReadScanline(&row, &rowBytes) == 0) {
-        line -= Stride();
-        pack(row, rowBytes / bytesPerPixel, line);
-    }
+    const auto stride = static_cast<std::ptrdiff_t>(Stride());
+    decoder.ReadBgr(pixels.get() + stride * (Height() - 1), -stride);
     lastError = decoder.GetError();
     return 1;
 }

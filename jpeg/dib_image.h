@@ -2,6 +2,7 @@
 
 #include "jpeg/bitmap_info_header.h"
 #include "jpeg/jpeg_path.h"
+#include "jpeg/jpeg_scale.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -71,7 +72,11 @@ public:
     // are new, the others keep what they held, and LastError says what happened. When 0 is
     // returned the picture is that of before; only where there is no memory for one of another
     // size (-233), it is empty: width, height and biSizeImage 0, no pixels.
-    int DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path = JpegPath::Fast);
+    //
+    // At half scale (fast path only) the picture held is half as large each way, rounded up;
+    // everything else is the same.
+    int DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path = JpegPath::Fast,
+                   JpegScale scale = JpegScale::Full);
 
     // What the last DecodeJpeg ran into: 0, or one of the codes of "jpeg/jpeg_error.h".
     int LastError() const { return lastError; }

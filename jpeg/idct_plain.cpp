@@ -66,8 +66,7 @@ bool OnlyFirst(const Values& values) {
 
 }  // namespace
 
-void PlainIdctPortable(const std::int16_t* coefficients, std::uint8_t* samples,
-                       std::ptrdiff_t stride) {
+void PlainIdct(const std::int16_t* coefficients, std::uint8_t* samples, std::ptrdiff_t stride) {
     std::array<std::uint32_t, 64> work;
     for (std::size_t row = 0; row < 8; ++row) {
         Eight x;

@@ -1,9 +1,14 @@
 #include "jpeg/jpeg_decoder.h"
 
+#include "jpeg/idct.h"
+
+#include <algorithm>
+
 namespace marvolen {
 
-JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath)
+JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newScale)
     : path(newPath),
+      scale(newPath == JpegPath::Fast ? newScale : JpegScale::Full),
       kernels(ActiveJpegKernels()),
       source(newSource),
       markers(plainReader, tables, allocations, path),
@@ -64,7 +69,8 @@ int JpegDecoder::StartDecompress() {
 void JpegDecoder::Start() {
     PrepareFrame(frame);
     output.Begin(frame, allocations);
-    mcuRow.Allocate(frame, allocations);
+    mcuRow.Allocate(frame, scale, allocations);
+    transform.Begin(frame, mcuRow, kernels);
     if (frame.progressive) {
         ReadProgressiveScans();
     } else {
@@ -111,14 +117,34 @@ void JpegDecoder::ReadProgressiveScans() {
 }
 
 int JpegDecoder::ReadScanline(const std::uint8_t** row, int* rowBytes) {
-    if (error != 0 || !started) return -1;
+    if (error != 0 || !started || scale != JpegScale::Full) return -1;
     if (output.Finished()) return 1;
     if (output.NeedsMcuRow()) {
         if (!Guarded([this] { DecodeMcuRow(); })) return kJpegErrorCorrupt;
         output.McuRowDecoded(frame);
     }
-    *row = output.NextRow(frame, mcuRow, kernels);
+    *row = output.NextRow(frame, mcuRow);
     *rowBytes = frame.rowBytes;
+    return 0;
+}
+
+int JpegDecoder::ReadBgr(std::uint8_t* top, std::ptrdiff_t stride) {
+    if (error != 0 || !started || mcuRowsDecoded != 0) return -1;
+    const int height = OutputHeight();
+    const int vertical = frame.mcuHeight / 8;
+    const int step = frame.colourMode == ColourMode::Gray ? 1 : vertical;
+    const auto build = kernels.buildBgr[static_cast<std::size_t>(frame.colourMode)];
+    for (int y = 0; y < height;) {
+        if (!Guarded([this] { DecodeMcuRow(); })) return kJpegErrorCorrupt;
+        const int rows = std::min(mcuRow.blockEdge * vertical, height - y);
+        for (int p = 0; p < rows; p += step, y += step, top += step * stride) {
+            const SampleLines lines = {
+                mcuRow.planes[0].Line(p), mcuRow.planes[0].Line(p + step - 1),
+                mcuRow.planes[1].Line(p / step), mcuRow.planes[2].Line(p / step)};
+            // The lower row of the last pair may lie below the picture.
+            build(lines, OutputWidth(), top, p + 1 < rows ? top + stride : output.SpareRow());
+        }
+    }
     return 0;
 }
 
@@ -140,6 +166,21 @@ void JpegDecoder::DecodeMcuRow() {
 }
 
 void JpegDecoder::TransformMcuRow() {
+    if (path == JpegPath::Plain) {
+        TransformPlain();
+        return;
+    }
+    const int group = McuRow::GroupOf(frame.colourMode);
+    const std::int16_t* coefficients = mcuRow.coefficients;
+    const std::uint8_t* ends = mcuRow.ends.data();
+    for (int mcu = 0; mcu < frame.mcusPerRow; mcu += group) {
+        transform.TransformGroup(tables, coefficients, ends, mcu);
+        coefficients += group * frame.blocksPerMcu * kBlockSize;
+        ends += group * frame.blocksPerMcu;
+    }
+}
+
+void JpegDecoder::TransformPlain() {
     const std::int16_t* block = mcuRow.coefficients;
     for (int mcu = 0; mcu < frame.mcusPerRow; ++mcu) {
         for (std::size_t i = 0; i < static_cast<std::size_t>(frame.componentCount); ++i) {
@@ -148,12 +189,7 @@ void JpegDecoder::TransformMcuRow() {
             for (int y = 0; y < component.vertical; ++y) {
                 std::uint8_t* line = plane.Line(8 * y) + 8 * component.horizontal * mcu;
                 for (int x = 0; x < component.horizontal; ++x, block += kBlockSize) {
-                    if (path == JpegPath::Fast) {
-                        kernels.fastIdct(block, tables.QuantTable(component.quantTable),
-                                         line + 8 * x, plane.stride);
-                    } else {
-                        kernels.plainIdct(block, line + 8 * x, plane.stride);
-                    }
+                    PlainIdct(block, line + 8 * x, plane.stride);
                 }
             }
         }

@@ -6,15 +6,18 @@
 #include "jpeg/jpeg_input.h"
 #include "jpeg/jpeg_kernels.h"
 #include "jpeg/jpeg_path.h"
+#include "jpeg/jpeg_scale.h"
 #include "jpeg/jpeg_source.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/marker_reader.h"
 #include "jpeg/mcu_row.h"
+#include "jpeg/mcu_transform.h"
 #include "jpeg/plain_bit_reader.h"
 #include "jpeg/progressive_decoder.h"
 #include "jpeg/row_output.h"
 #include "jpeg/sequential_decoder.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace marvolen {
@@ -35,8 +38,9 @@ namespace marvolen {
 class JpegDecoder {
 public:
     // Takes the source (borrowed; it must outlive the decoder) and reads up to and including the
-    // frame header. Failure shows in GetError.
-    JpegDecoder(JpegSource* newSource, JpegPath newPath);
+    // frame header. Failure shows in GetError. Half scale is for the fast path; the plain one
+    // decodes at full scale whatever it is told.
+    JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newScale = JpegScale::Full);
 
     // Calls End on the source if it is still held.
     ~JpegDecoder();
@@ -59,11 +63,23 @@ public:
     // 1 for gray, 4 for colour; valid after StartDecompress.
     int GetBytesPerPixel() const { return frame.bytesPerPixel; }
 
-    // Hands out the next row, top to bottom. Returns 0 with *row and *rowBytes (width x bytes
-    // per pixel) set: gray bytes, or R, G, B, 0. The row belongs to the decoder and stays valid
-    // until the next call. Returns 1 when all rows have been handed out; -1 when an error is
+    // Pixels of the picture that comes out: at half scale half of the above, rounded up.
+    int OutputWidth() const { return ScaledDown(frame.width); }
+    int OutputHeight() const { return ScaledDown(frame.height); }
+
+    // Hands out the next row at full scale, top to bottom. Returns 0 with *row and *rowBytes (width
+    // x bytes per pixel) set: gray bytes, or R, G, B, 0. The row belongs to the decoder and stays
+    // valid until the next call. Returns 1 when all rows have been handed out; -1 when an error is
     // stored or the decoder has not started; -227 when decoding failed now (GetError says why).
     int ReadScanline(const std::uint8_t** row, int* rowBytes);
+
+    // Instead of ReadScanline, and faster: decodes the whole picture into rows of B, G, R, the
+    // first one at top and each next one stride bytes further (a negative stride makes the picture
+    // bottom-up). Touches 3 x OutputWidth bytes of OutputHeight rows. Returns 0 when all rows came;
+    // -1 when an error is stored, the decoder has not started, or rows have been read; -227 when
+    // decoding failed (GetError says why): the rows above that place are written, the others
+    // untouched.
+    int ReadBgr(std::uint8_t* top, std::ptrdiff_t stride);
 
 private:
     template <class Work>
@@ -76,9 +92,12 @@ private:
     void RequireCompleteScan() const;
     void DecodeMcuRow();
     void TransformMcuRow();
+    void TransformPlain();
+    int ScaledDown(int size) const { return scale == JpegScale::Half ? (size + 1) / 2 : size; }
 
     // Constant after construction.
     const JpegPath path;
+    const JpegScale scale;
     const JpegKernels& kernels;
 
     JpegSource* source;  // null once released
@@ -94,6 +113,7 @@ private:
     ProgressiveDecoder progressive;
 
     McuRow mcuRow;
+    McuTransform transform;
     RowOutput output;
     int mcuRowsDecoded = 0;
     bool started = false;

@@ -1,8 +1,5 @@
 #include "jpeg/jpeg_kernels.h"
 
-#include "jpeg/idct.h"
-#include "jpeg/pixel_rows.h"
-
 #include <atomic>
 
 namespace marvolen {
@@ -10,12 +7,10 @@ namespace {
 
 constexpr JpegKernels kPortable = {
     .name = "portable",
-    .fastIdct = FastIdctPortable,
-    .plainIdct = PlainIdctPortable,
-    .buildColour = {nullptr, BuildColourPortable<1, 1>, BuildColourPortable<2, 1>,
-                    BuildColourPortable<1, 2>, BuildColourPortable<2, 2>},
-    .packGray = PackGrayPortable,
-    .packColour = PackColourPortable,
+    .fullIdct = FastIdctPortable,
+    .halfIdct = HalfIdctPortable,
+    .buildBgr = {BuildGrayBgrPortable, BuildColourBgrPortable<1, 1>, BuildColourBgrPortable<2, 1>,
+                 BuildColourBgrPortable<1, 2>, BuildColourBgrPortable<2, 2>},
 };
 
 constexpr std::array<const JpegKernels*, 1> kAvailable = {&kPortable};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jpeg/idct.h"
 #include "jpeg/jpeg_frame.h"
 #include "jpeg/pixel_rows.h"
 
@@ -16,30 +17,21 @@ namespace marvolen {
 //
 // No pointer promises any alignment. A kernel reads and writes exactly the bytes that its counts
 // name, none in front of or behind them, not even to write back what was there. What it writes
-// overlaps nothing that it reads, nor does one of its outputs another. Strides are 8 or more.
+// overlaps nothing that it reads, nor does one of its outputs another. Strides are 4 or more.
 struct JpegKernels {
-    // Dequantises 64 quantised coefficients with a fast-path table and transforms them into 8
-    // lines of 8 samples that start stride bytes apart. Coefficients and table are in natural
-    // order.
-    using FastIdct = void (*)(const std::int16_t* coefficients, const std::int16_t* table,
-                              std::uint8_t* samples, std::ptrdiff_t stride);
-    // Transforms 64 dequantised coefficients into 8 lines of 8 samples.
-    using PlainIdct = void (*)(const std::int16_t* coefficients, std::uint8_t* samples,
-                               std::ptrdiff_t stride);
-    // Builds a row of colour pixels (R, G, B, 0) in first, from the first chromaSamples samples
-    // of Cb and Cr, each repeated over the pixels it covers. In the modes with Y sampled twice
-    // down the row below goes to second; the others leave it and yBelow alone.
-    using BuildColour = void (*)(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
-                                 std::uint8_t* second);
-    // Turns that many pixels of an output row into B, G, R.
-    using PackRow = void (*)(const std::uint8_t* row, int pixels, std::uint8_t* bgr);
+    // Dequantises two blocks with the fast path's tables and transforms them into lines of samples
+    // that start stride bytes apart: 8 lines of 8 at full size, 4 lines of 4 at half size.
+    using Idct = void (*)(const IdctBlock& first, const IdctBlock& second, std::ptrdiff_t stride);
+    // Turns samples into that many pixels of B, G, R in first, each chroma sample repeated over the
+    // pixels it covers. In the modes with Y sampled twice down the row below goes to second; the
+    // others leave second and yBelow alone, and gray leaves Cb and Cr alone.
+    using BuildBgr = void (*)(const SampleLines& lines, int pixels, std::uint8_t* first,
+                              std::uint8_t* second);
 
     const char* name;
-    FastIdct fastIdct;
-    PlainIdct plainIdct;
-    std::array<BuildColour, kColourModes> buildColour;  // by ColourMode; none for gray
-    PackRow packGray;                                   // from one byte a pixel
-    PackRow packColour;                                 // from four bytes a pixel
+    Idct fullIdct;
+    Idct halfIdct;
+    std::array<BuildBgr, kColourModes> buildBgr;  // by ColourMode
 };
 
 // Every set that this processor can run: the portable one first, the best one last.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/jpeg_scale.h"
 
 #include <array>
 #include <cstddef>
@@ -10,7 +11,7 @@ namespace marvolen {
 
 class AllocationTable;
 
-// The samples of one component in an MCU row: 8 x vertical factor lines.
+// The samples of one component in an MCU row.
 struct SamplePlane {
     std::uint8_t* base = nullptr;
     std::ptrdiff_t stride = 0;  // bytes from line to line
@@ -19,18 +20,30 @@ struct SamplePlane {
 };
 
 // The working memory of one MCU row: coefficients block by block, samples line by line.
+//
+// Blocks are transformed in pairs, and where an MCU has an odd number of a component's blocks, two
+// MCUs make a group. There is room for whole groups; what no MCU fills stays 0.
 struct McuRow {
-    // Allocates the buffers for a prepared frame. Throws JpegFailure.
-    void Allocate(const JpegFrame& frame, AllocationTable& allocations);
+    // MCUs that are transformed together.
+    static int GroupOf(ColourMode mode) {
+        return mode == ColourMode::Gray || mode == ColourMode::Y1x1 ? 2 : 1;
+    }
+
+    // Allocates the buffers for a prepared frame, whose blocks become scale-dependent squares of
+    // samples. Throws JpegFailure.
+    void Allocate(const JpegFrame& frame, JpegScale scale, AllocationTable& allocations);
 
     // 64 coefficients a block, in natural order, quantised on the fast path and dequantised on the
-    // plain one. The blocks stand MCU after MCU, within an MCU in the order of ColourMode.
+    // plain one. The blocks stand MCU after MCU, within an MCU in the order of ColourMode. Behind
+    // them is room for one more coefficient.
     std::int16_t* coefficients = nullptr;
-    // The samples of each component.
+    // The samples of each component: blockEdge x vertical factor lines.
     std::array<SamplePlane, kMaxJpegComponents> planes;
+    // Samples of a block each way: 8 or 4.
+    int blockEdge = 8;
     // Per block one past the zigzag position of its last coefficient that may be non-zero; all
     // coefficients from there on are 0.
-    std::array<std::uint8_t, kMaxBlocksPerMcuRow> lastIndex{};
+    std::array<std::uint8_t, kMaxBlocksPerMcuRow + kMaxBlocksPerMcu> ends{};
 };
 
 }  // namespace marvolen

@@ -140,8 +140,8 @@ void PutPixels(const std::uint8_t* line, const ColourOffsets<N>& offsets, std::s
 }  // namespace
 
 template <int Horizontal, int Vertical>
-void BuildColourPortable(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
-                         std::uint8_t* second) {
+void BuildColour(const SampleLines& lines, int chromaSamples, std::uint8_t* first,
+                 std::uint8_t* second) {
     const auto total = static_cast<std::size_t>(chromaSamples);
     Samples<kStrip> cb{};
     Samples<kStrip> cr{};
@@ -165,21 +165,48 @@ void BuildColourPortable(const SampleLines& lines, int chromaSamples, std::uint8
     }
 }
 
-template void BuildColourPortable<1, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
-template void BuildColourPortable<2, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
-template void BuildColourPortable<1, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
-template void BuildColourPortable<2, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColour<1, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColour<2, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColour<1, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColour<2, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
 
-void PackGrayPortable(const std::uint8_t* row, int pixels, std::uint8_t* bgr) {
-    for (int i = 0; i < pixels; ++i, bgr += 3) bgr[0] = bgr[1] = bgr[2] = row[i];
+void BuildGrayBgrPortable(const SampleLines& lines, int pixels, std::uint8_t* first,
+                          std::uint8_t* /*second*/) {
+    for (int i = 0; i < pixels; ++i, first += 3) first[0] = first[1] = first[2] = lines.y[i];
 }
 
-void PackColourPortable(const std::uint8_t* row, int pixels, std::uint8_t* bgr) {
-    for (int i = 0; i < pixels; ++i, row += 4, bgr += 3) {
-        bgr[0] = row[2];
-        bgr[1] = row[1];
-        bgr[2] = row[0];
+template <int Horizontal, int Vertical>
+void BuildColourBgrPortable(const SampleLines& lines, int pixels, std::uint8_t* first,
+                            std::uint8_t* second) {
+    constexpr int kPart = static_cast<int>(kStrip) * Horizontal;
+    std::array<std::uint8_t, 4 * kPart> upper;
+    std::array<std::uint8_t, 4 * kPart> lower;
+    const auto pack = [](const std::uint8_t* row, int count, std::uint8_t* bgr) {
+        for (int i = 0; i < count; ++i, row += 4, bgr += 3) {
+            bgr[0] = row[2];
+            bgr[1] = row[1];
+            bgr[2] = row[0];
+        }
+    };
+    // The last pixel of an odd row has half of a chroma sample, and no second pixel of Y to read.
+    std::array<std::uint8_t, kPart> y{};
+    std::array<std::uint8_t, kPart> yBelow{};
+    for (int done = 0; done < pixels; done += kPart) {
+        const int count = std::min(kPart, pixels - done);
+        const int samples = (count + Horizontal - 1) / Horizontal;
+        const auto from = [&](const std::uint8_t* line) { return line + done / Horizontal; };
+        std::copy_n(lines.y + done, count, y.begin());
+        if constexpr (Vertical == 2) std::copy_n(lines.yBelow + done, count, yBelow.begin());
+        BuildColour<Horizontal, Vertical>({y.data(), yBelow.data(), from(lines.cb), from(lines.cr)},
+                                          samples, upper.data(), lower.data());
+        pack(upper.data(), count, first + 3 * done);
+        if constexpr (Vertical == 2) pack(lower.data(), count, second + 3 * done);
     }
 }
+
+template void BuildColourBgrPortable<1, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourBgrPortable<2, 1>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourBgrPortable<1, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
+template void BuildColourBgrPortable<2, 2>(const SampleLines&, int, std::uint8_t*, std::uint8_t*);
 
 }  // namespace marvolen

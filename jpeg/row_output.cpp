@@ -1,6 +1,7 @@
 #include "jpeg/row_output.h"
 
 #include "jpeg/allocation_table.h"
+#include "jpeg/pixel_rows.h"
 
 #include <cstring>
 
@@ -14,8 +15,7 @@ void RowOutput::Begin(const JpegFrame& frame, AllocationTable& allocations) {
     rowsLeftInMcuRow = 0;
 }
 
-const std::uint8_t* RowOutput::NextRow(const JpegFrame& frame, const McuRow& mcuRow,
-                                       const JpegKernels& kernels) {
+const std::uint8_t* RowOutput::NextRow(const JpegFrame& frame, const McuRow& mcuRow) {
     const int p = frame.mcuHeight - rowsLeftInMcuRow;
     --rowsLeft;
     --rowsLeftInMcuRow;
@@ -29,7 +29,7 @@ const std::uint8_t* RowOutput::NextRow(const JpegFrame& frame, const McuRow& mcu
         const SampleLines lines = {luma.Line(p), luma.Line(p + vertical - 1),
                                    mcuRow.planes[1].Line(p / vertical),
                                    mcuRow.planes[2].Line(p / vertical)};
-        const auto build = kernels.buildColour[static_cast<std::size_t>(frame.colourMode)];
+        const auto build = kColourBuilders[static_cast<std::size_t>(frame.colourMode)];
         build(lines, 8 * frame.mcusPerRow, first, second);
         return first;
     }

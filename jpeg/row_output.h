@@ -1,7 +1,6 @@
 #pragma once
 
 #include "jpeg/jpeg_frame.h"
-#include "jpeg/jpeg_kernels.h"
 #include "jpeg/mcu_row.h"
 
 #include <cstdint>
@@ -23,8 +22,10 @@ public:
 
     // The next row; its columns beyond the picture's width hold padding. Valid until the next
     // call. The modes of 16 lines build rows in pairs, each in a buffer of its own.
-    const std::uint8_t* NextRow(const JpegFrame& frame, const McuRow& mcuRow,
-                                const JpegKernels& kernels);
+    const std::uint8_t* NextRow(const JpegFrame& frame, const McuRow& mcuRow);
+
+    // A row that is nobody's yet, as long as an output row.
+    std::uint8_t* SpareRow() { return second; }
 
 private:
     std::uint8_t* first = nullptr;   // single rows, and the upper row of a pair

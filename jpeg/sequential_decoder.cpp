@@ -109,7 +109,7 @@ void DecodeRow(const JpegScan& scan, const std::array<ComponentTables, kMaxJpegC
                JpegInput& input, BitReader& readerInDecoder, EntropyState& state, McuRow& row) {
     BitReader reader = readerInDecoder;
     std::int16_t* block = row.coefficients;
-    std::uint8_t* lastIndex = row.lastIndex.data();
+    std::uint8_t* lastIndex = row.ends.data();
     for (int mcu = 0; mcu < scan.mcusPerRow; ++mcu) {
         state.BeginMcu(input, reader);
         for (int i = 0; i < scan.blocksPerMcu; ++i, block += kBlockSize, ++lastIndex) {
