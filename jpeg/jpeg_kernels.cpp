@@ -1,5 +1,7 @@
 #include "jpeg/jpeg_kernels.h"
 
+#include "jpeg/simd/simd_kernels.h"
+
 #include <atomic>
 
 namespace marvolen {
@@ -13,19 +15,36 @@ constexpr JpegKernels kPortable = {
                  BuildColourBgrPortable<1, 2>, BuildColourBgrPortable<2, 2>},
 };
 
-constexpr std::array<const JpegKernels*, 1> kAvailable = {&kPortable};
+// The sets, better ones behind, and how many of them this processor has.
+struct KernelSets {
+    std::array<const JpegKernels*, 3> sets = {&kPortable};
+    std::size_t count = 1;
+
+    KernelSets() {
+#if defined(__x86_64__)
+        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2")) {
+            sets[count++] = &kAvx2JpegKernels;
+        }
+#endif
+    }
+};
+
+const KernelSets& Available() {
+    static const KernelSets kSets;
+    return kSets;
+}
 
 std::atomic<const JpegKernels*> g_forcedKernels = nullptr;
 
 }  // namespace
 
 std::span<const JpegKernels* const> AvailableJpegKernels() {
-    return kAvailable;
+    return {Available().sets.data(), Available().count};
 }
 
 const JpegKernels& ActiveJpegKernels() {
     const JpegKernels* forced = g_forcedKernels.load(std::memory_order_acquire);
-    return forced != nullptr ? *forced : *kAvailable.back();
+    return forced != nullptr ? *forced : *AvailableJpegKernels().back();
 }
 
 void ForceJpegKernels(const JpegKernels* kernels) {
