@@ -22,9 +22,12 @@ struct KernelSets {
 
     KernelSets() {
 #if defined(__x86_64__)
+        sets[count++] = &kSse2JpegKernels;
         if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2")) {
             sets[count++] = &kAvx2JpegKernels;
         }
+#elif defined(__aarch64__) && !defined(__AARCH64EB__)
+        sets[count++] = &kNeonJpegKernels;
 #endif
     }
 };

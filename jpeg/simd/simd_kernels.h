@@ -12,8 +12,8 @@ namespace marvolen {
 #if defined(__x86_64__)
 extern const JpegKernels kSse2JpegKernels;  // any 64-bit x86
 extern const JpegKernels kAvx2JpegKernels;  // AVX2 and BMI2
-#elif defined(__aarch64__)
-extern const JpegKernels kNeonJpegKernels;  // any 64-bit ARM
+#elif defined(__aarch64__) && !defined(__AARCH64EB__)
+extern const JpegKernels kNeonJpegKernels;  // any 64-bit little-endian ARM
 #endif
 
 }  // namespace marvolen
