@@ -28,8 +28,10 @@ public:
     // behind it. Throws JpegFailure -228 when it isn't there or isn't the expected one.
     template <class BitReader>
     void BeginMcu(JpegInput& input, BitReader& reader) {
+        reader.BeginMcu();
         if (restartInterval == 0) return;
         if (mcusToRestart == 0) {
+            reader.Leave();
             FindRestartMarker(input);
             reader.PrimeForScan();
         }

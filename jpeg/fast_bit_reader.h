@@ -24,6 +24,10 @@ public:
         bitsAvailable = 32;
     }
 
+    // Nothing to do before an MCU, nor to set the input behind what was taken.
+    void BeginMcu() {}
+    void Leave() {}
+
     // The next count (1..32) bits, of which the first 16 are valid, without consuming them.
     std::uint32_t Peek(int count) const { return static_cast<std::uint32_t>(bits >> (64 - count)); }
     std::uint32_t Peek16() const { return Peek(16); }

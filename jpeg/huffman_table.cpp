@@ -33,6 +33,7 @@ void HuffmanTable::Build(const std::uint8_t* counts, const std::uint8_t* symbols
     for (std::uint32_t bits = 0; bits < direct.size(); ++bits) {
         direct[bits] = MakeDirect(bits, use);
     }
+    if (use == Use::Ac) MakePairs();
 }
 
 void HuffmanTable::AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode) {
@@ -51,8 +52,7 @@ HuffmanTable::Direct HuffmanTable::MakeDirect(std::uint32_t bits, Use use) const
     // The bits beyond kDirectBits are unknown: whatever depends on them is left to the caller.
     const std::uint32_t window = bits << (16 - kDirectBits);
     const Decoded decoded = Decode(window);
-    const bool viaLookahead = lookahead[window >> 8] >= 0;
-    if (!viaLookahead && decoded.length > kDirectBits) return {};
+    if (!IsKnown(decoded, window, kDirectBits)) return {};
     const int size = use == Use::Dc ? decoded.symbol : decoded.symbol & 15;
     const int run = use == Use::Dc ? 0 : decoded.symbol >> 4;
     const int total = decoded.length + size;
@@ -62,6 +62,33 @@ HuffmanTable::Direct HuffmanTable::MakeDirect(std::uint32_t bits, Use use) const
     if (size == 0) return Direct::Coefficient(total, 0, 0);
     const std::uint32_t valueBits = bits >> (kDirectBits - total) & ((1U << size) - 1);
     return Direct::Coefficient(total, run, ExtendCoefficient(valueBits, size));
+}
+
+HuffmanTable::Pair HuffmanTable::MakeSingle(std::uint32_t bits) const {
+    const std::uint32_t window = bits << (16 - kPairBits);
+    const auto [symbol, length] = Decode(window);
+    if (!IsKnown({symbol, length}, window, kPairBits)) return Pair::Long(Pair::kUnknown, 0);
+    const int size = symbol & 15;
+    const int total = length + size;
+    if (total > kPairBits) return Pair::Long(length, symbol);
+    if (symbol == kZeroRun) return Pair::One(total, 16, 0);
+    if (size == 0) return Pair::One(total, Pair::kEnd, 0);
+    const std::uint32_t valueBits = bits >> (kPairBits - total) & ((1U << size) - 1);
+    return Pair::One(total, (symbol >> 4) + 1, ExtendCoefficient(valueBits, size));
+}
+
+void HuffmanTable::MakePairs() {
+    constexpr std::uint32_t kMask = (1U << kPairBits) - 1;
+    std::array<Pair, 1 << kPairBits> singles;
+    for (std::uint32_t bits = 0; bits <= kMask; ++bits) singles[bits] = MakeSingle(bits);
+    for (std::uint32_t bits = 0; bits <= kMask; ++bits) {
+        const Pair first = singles[bits];
+        // The second one's unknown bits are taken as 0: it counts where none of them matters.
+        const Pair second = singles[bits << first.Bits() & kMask];
+        const bool both = first.Advance() < Pair::kEnd && second.Advance() < Pair::kLong &&
+                          first.Bits() + second.Bits() <= kPairBits;
+        pairs[bits] = both ? first.Then(second) : first;
+    }
 }
 
 }  // namespace marvolen

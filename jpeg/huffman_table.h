@@ -12,6 +12,9 @@ constexpr int ExtendCoefficient(std::uint32_t bits, int size) {
     return value < 1 << (size - 1) ? value - (1 << size) + 1 : value;
 }
 
+// The AC symbol for sixteen zeros.
+inline constexpr int kZeroRun = 0xF0;
+
 // A Huffman decoding table (ITU-T T.81, Annex C and F.2.2.3).
 //
 // lookahead, codeLength and tree define what every bit sequence means, also one that no code
@@ -56,6 +59,51 @@ public:
         std::int32_t packed = 0;
     };
 
+    // Up to two AC symbols with their coefficients, as one look at the next kPairBits bits gives
+    // them; the end of a block and sixteen zeros stand as coefficients of value 0. Positions are
+    // zigzag ones, counted by Advance: from one coefficient's to the next one's.
+    class Pair {
+    public:
+        // Advances beyond any position: the block ends here; or, from kLong on, the entry is no
+        // coefficient but a symbol, whose bits or value bits go beyond kPairBits.
+        static constexpr int kEnd = 128;
+        static constexpr int kLong = 192;
+
+        constexpr Pair() = default;
+        static constexpr Pair One(int bits, int advance, int value) {
+            return Pair(bits, bits, advance, 0, value, value);
+        }
+        // symbol is meaningless where no code is known to begin: bits is then kUnknown.
+        static constexpr int kUnknown = 255;
+        static constexpr Pair Long(int bits, int symbol) {
+            return Pair(0, bits, kLong, 0, symbol, 0);
+        }
+        constexpr Pair Then(const Pair& second) const {
+            return Pair(Bits() + second.Bits(), Bits(), Advance(), second.Advance(), Value(),
+                        second.Value());
+        }
+
+        // Of both: what to consume. 0 for a long one.
+        constexpr int Bits() const { return static_cast<std::uint8_t>(packed); }
+        constexpr int FirstBits() const { return static_cast<std::uint8_t>(packed >> 24); }
+        constexpr int Advance() const { return static_cast<std::uint8_t>(packed >> 8); }
+        constexpr int Value() const { return static_cast<std::int16_t>(packed >> 32); }
+        // 0 and the first value again where there is no second one.
+        constexpr int SecondAdvance() const { return static_cast<std::uint8_t>(packed >> 16); }
+        constexpr int SecondValue() const { return static_cast<std::int16_t>(packed >> 48); }
+
+    private:
+        constexpr Pair(int bits, int firstBits, int advance, int secondAdvance, int value,
+                       int secondValue)
+            : packed(static_cast<std::uint64_t>(bits) | static_cast<std::uint64_t>(advance) << 8 |
+                     static_cast<std::uint64_t>(secondAdvance) << 16 |
+                     static_cast<std::uint64_t>(firstBits) << 24 |
+                     static_cast<std::uint64_t>(static_cast<std::uint16_t>(value)) << 32 |
+                     static_cast<std::uint64_t>(static_cast<std::uint16_t>(secondValue)) << 48) {}
+        std::uint64_t packed = 0;
+    };
+    static constexpr int kPairBits = 11;
+
     // Is there room for all codes, with counts[1..16] codes of each length? (An all-ones code is
     // allowed.)
     static bool FitsCodeSpace(const std::uint8_t* counts);
@@ -66,6 +114,9 @@ public:
 
     // What the next kDirectBits bits mean.
     Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
+
+    // What the next kPairBits bits mean in an AC table; in a DC one nothing.
+    Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }
 
     // Decodes and consumes one symbol (0..255).
     template <class BitReader>
@@ -84,6 +135,11 @@ private:
         int symbol;
         int length;
     };
+
+    // Is the first symbol known, and how long its code is, from that many bits of the window?
+    bool IsKnown(const Decoded& decoded, std::uint32_t window, int bits) const {
+        return lookahead[window >> 8] >= 0 || decoded.length <= bits;
+    }
 
     // Decodes the first symbol of 16 bits.
     Decoded Decode(std::uint32_t window) const {
@@ -104,6 +160,8 @@ private:
 
     void AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode);
     Direct MakeDirect(std::uint32_t bits, Use use) const;
+    Pair MakeSingle(std::uint32_t bits) const;
+    void MakePairs();
 
     // By the next 8 bits: a symbol, or (negative) the node from which a longer code goes on.
     std::array<std::int32_t, 256> lookahead;
@@ -112,6 +170,7 @@ private:
     // By Branch: a symbol or a further node.
     std::array<std::int32_t, 2 * kMaxNodes> tree;
     std::array<Direct, 1 << kDirectBits> direct;
+    std::array<Pair, 1 << kPairBits> pairs;
 };
 
 }  // namespace marvolen

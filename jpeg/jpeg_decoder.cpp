@@ -13,6 +13,7 @@ JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newS
       source(newSource),
       markers(plainReader, tables, allocations, path),
       sequential(input, plainReader, tables),
+      segments(input),
       progressive(input, plainReader, tables) {
     source->Begin();
     input.Attach(source);
@@ -78,9 +79,15 @@ void JpegDecoder::Start() {
         markers.ReadScanHeader(frame, scan);
         RequireCompleteScan();
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(scan, tables, allocations);
+        SetUpScanHuffman(scan, tables);
         RequireQuantTables(frame, scan, tables);
-        sequential.BeginScan(path, markers.RestartInterval());
+        usesSegments = path == JpegPath::Fast && !input.Whole().empty();
+        if (usesSegments) {
+            plainReader.GiveBack();
+            segments.BeginScan(scan, tables, markers.RestartInterval(), allocations);
+        } else {
+            sequential.BeginScan(path, markers.RestartInterval());
+        }
     }
     started = true;
 }
@@ -103,7 +110,7 @@ void JpegDecoder::ReadProgressiveScans() {
         if (marker != kMarkerSos) Fail(kJpegErrorMarker);
         markers.ReadScanHeader(frame, scan);
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(scan, tables, allocations);
+        SetUpScanHuffman(scan, tables);
         RequireQuantTables(frame, scan, tables);
         progressive.DecodeScan(frame, scan, markers.RestartInterval());
     }
@@ -149,20 +156,43 @@ int JpegDecoder::ReadBgr(std::uint8_t* top, std::ptrdiff_t stride) {
 }
 
 void JpegDecoder::DecodeMcuRow() {
+    const bool isLast = ++mcuRowsDecoded == frame.mcuRows;
     if (frame.progressive) {
-        progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded, path, mcuRow);
+        progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded - 1, path, mcuRow);
+    } else if (usesSegments) {
+        DecodeSegmentRow(isLast);
+        if (!isLast) return;
     } else {
         sequential.DecodeMcuRow(frame, scan, mcuRow);
     }
-    ++mcuRowsDecoded;
-    if (!frame.progressive && mcuRowsDecoded == frame.mcuRows) {
-        // What follows the scan must be in order too; its code doesn't matter. A quantisation table
-        // on the way there is in time for this last row on the fast path, which dequantises in the
-        // inverse DCT, and too late on the plain one, which has dequantised already.
-        plainReader.PrimeForMarkers();
-        markers.NextMarker();
-    }
+    if (!frame.progressive && isLast) ReadBehindScan();
     TransformMcuRow();
+}
+
+// Transforms each group while it is in the processor's nearest cache; but the last row is kept,
+// see ReadBehindScan.
+void JpegDecoder::DecodeSegmentRow(bool isLast) {
+    const int group = McuRow::GroupOf(frame.colourMode);
+    std::int16_t* coefficients = mcuRow.coefficients;
+    std::uint8_t* ends = mcuRow.ends.data();
+    for (int mcu = 0; mcu < frame.mcusPerRow; mcu += group) {
+        segments.DecodeMcus(std::min(group, frame.mcusPerRow - mcu), coefficients, ends);
+        if (isLast) {
+            coefficients += group * frame.blocksPerMcu * kBlockSize;
+            ends += group * frame.blocksPerMcu;
+        } else {
+            transform.TransformGroup(tables, coefficients, ends, mcu);
+        }
+    }
+}
+
+// What follows the scan must be in order too; its code doesn't matter. A quantisation table on the
+// way there is in time for the last row on the fast path, which dequantises in the inverse DCT, and
+// too late on the plain one, which has dequantised already.
+void JpegDecoder::ReadBehindScan() {
+    if (usesSegments) segments.EndScan();
+    plainReader.PrimeForMarkers();
+    markers.NextMarker();
 }
 
 void JpegDecoder::TransformMcuRow() {

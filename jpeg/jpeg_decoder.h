@@ -15,6 +15,7 @@
 #include "jpeg/plain_bit_reader.h"
 #include "jpeg/progressive_decoder.h"
 #include "jpeg/row_output.h"
+#include "jpeg/segment_decoder.h"
 #include "jpeg/sequential_decoder.h"
 
 #include <cstddef>
@@ -91,6 +92,8 @@ private:
     void ReadProgressiveScans();
     void RequireCompleteScan() const;
     void DecodeMcuRow();
+    void DecodeSegmentRow(bool isLast);
+    void ReadBehindScan();
     void TransformMcuRow();
     void TransformPlain();
     int ScaledDown(int size) const { return scale == JpegScale::Half ? (size + 1) / 2 : size; }
@@ -110,6 +113,8 @@ private:
     PlainBitReader plainReader{input};
     MarkerReader markers;
     SequentialDecoder sequential;
+    SegmentDecoder segments;
+    bool usesSegments = false;
     ProgressiveDecoder progressive;
 
     McuRow mcuRow;

@@ -3,10 +3,27 @@
 #include "jpeg/jpeg_error.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace marvolen {
 
+void JpegInput::Attach(JpegSource* newSource) {
+    source = newSource;
+    whole = source->WholeData();
+    if (whole.size() > std::numeric_limits<std::int32_t>::max()) whole = {};
+    if (!whole.empty()) Seek(0);
+}
+
+void JpegInput::Seek(std::uint64_t position) {
+    const std::uint64_t real = std::min<std::uint64_t>(position, whole.size());
+    readPointer = whole.data() + real;
+    bytesAvailable = static_cast<std::int32_t>(whole.size() - real);
+    inventedBytes = position - real;
+}
+
 void JpegInput::Fill() {
+    // Everything was there from the start, and can be unread where it stands.
+    if (!whole.empty()) return;
     // What was read last moves into the push-back area, so that it can still be unread.
     std::memmove(BufferStart() - kMaxUnread, readPointer - kMaxUnread, kMaxUnread);
     readPointer = BufferStart();

@@ -6,11 +6,13 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 namespace marvolen {
 
-// The byte level of the decoder: a 4096-byte window onto the source, read either raw (marker
-// segments) or as entropy-coded data with stuffed zeros removed (ITU-T T.81, B.1.1.5).
+// The byte level of the decoder: a 4096-byte window onto the source, or the whole of a source that
+// stands in memory, read either raw (marker segments) or as entropy-coded data with stuffed zeros
+// removed (ITU-T T.81, B.1.1.5).
 //
 // The stream never ends: behind the last byte of the source follow the bytes FF D9, the
 // end-of-image marker, over and over. Such invented bytes are read like any raw byte, but in
@@ -29,7 +31,16 @@ public:
     JpegInput& operator=(const JpegInput&) = delete;
 
     // Starts reading from newSource, which the caller keeps alive.
-    void Attach(JpegSource* newSource) { source = newSource; }
+    void Attach(JpegSource* newSource);
+
+    // The bytes of a source that stands in memory; empty for any other.
+    std::span<const std::uint8_t> Whole() const { return whole; }
+    // Of a source in memory: how many bytes have been read, invented ones included.
+    std::uint64_t Position() const {
+        return static_cast<std::uint64_t>(readPointer - whole.data()) + inventedBytes;
+    }
+    // Goes to a position of a source in memory, also one behind its end.
+    void Seek(std::uint64_t position);
 
     // The next byte as it stands.
     std::uint8_t ReadRaw() {
@@ -87,6 +98,7 @@ private:
     // The push-back area, the buffer and its tail.
     std::array<std::uint8_t, kEdgeBytes + kBufferBytes + kEdgeBytes> storage{};
     JpegSource* source = nullptr;
+    std::span<const std::uint8_t> whole;
     const std::uint8_t* readPointer = storage.data() + kEdgeBytes;
     std::int32_t bytesAvailable = 0;
     bool endOfInput = false;

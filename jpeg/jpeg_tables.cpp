@@ -1,18 +1,11 @@
 #include "jpeg/jpeg_tables.h"
 
-#include "jpeg/allocation_table.h"
+#include "jpeg/huffman_cache.h"
 #include "jpeg/jpeg_error.h"
 
 namespace marvolen {
 
 // clang-format off
-const std::array<std::uint8_t, kBlockSize> kNaturalOrder = {
-     0,  1,  8, 16,  9,  2,  3, 10, 17, 24, 32, 25, 18, 11,  4,  5,
-    12, 19, 26, 33, 40, 48, 41, 34, 27, 20, 13,  6,  7, 14, 21, 28,
-    35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23, 30, 37, 44, 51,
-    58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63,
-};
-
 const std::array<std::int16_t, kBlockSize> kAanScale = {
     16384, 22725, 21407, 19266, 16384, 12873,  8867,  4520,
     22725, 31521, 29692, 26722, 22725, 17855, 12299,  6270,
@@ -25,7 +18,7 @@ const std::array<std::int16_t, kBlockSize> kAanScale = {
 };
 // clang-format on
 
-void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables, AllocationTable& allocations) {
+void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables) {
     const auto require = [&](int slot, int firstSlot) {
         const bool named = slot < firstSlot + kFirstAcSlot;
         if (!named || tables.huffman[static_cast<std::size_t>(slot)].counts == nullptr) {
@@ -40,9 +33,8 @@ void SetUpScanHuffman(const JpegScan& scan, JpegTables& tables, AllocationTable&
     for (int slot = 0; slot < kHuffmanSlots; ++slot) {
         HuffmanSlot& table = tables.huffman[static_cast<std::size_t>(slot)];
         if (!table.changed) continue;
-        if (table.derived == nullptr) table.derived = allocations.AllocateArray<HuffmanTable>(1);
         const auto use = slot < kFirstAcSlot ? HuffmanTable::Use::Dc : HuffmanTable::Use::Ac;
-        table.derived->Build(table.counts, table.symbols, use);
+        table.derived = CachedHuffmanTable(table.counts, table.symbols, use);
         table.changed = false;
     }
 }

@@ -17,6 +17,8 @@ public:
     // Never fails; reports the end together with the last byte.
     int Read(void* destination, int maxCount, bool* endOfData) override;
 
+    std::span<const std::uint8_t> WholeData() const override { return {current, end}; }
+
 private:
     const std::uint8_t* current;
     const std::uint8_t* end;

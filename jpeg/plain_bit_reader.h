@@ -32,6 +32,10 @@ public:
         bitsAvailable = 16;
     }
 
+    // Nothing to do before an MCU, nor to set the input behind what was taken.
+    void BeginMcu() {}
+    void Leave() {}
+
     // Puts the bytes that are held, real or invented, back into the input. Prime next. Segments end
     // with a whole byte, and with 16 or 8 bits available: fewer are never left behind one.
     void GiveBack() { input->Unread(bitsAvailable == 16 ? 4 : 3); }

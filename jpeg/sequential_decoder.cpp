@@ -15,8 +15,6 @@
 namespace marvolen {
 namespace {
 
-constexpr int kZeroRun = 0xF0;  // the symbol for sixteen zeros
-
 // What the blocks of one component are decoded with.
 struct ComponentTables {
     const HuffmanTable* dc;
@@ -143,9 +141,10 @@ void SequentialDecoder::DecodeMcuRow(const JpegFrame& frame, const JpegScan& sca
     std::array<ComponentTables, kMaxJpegComponents> use{};
     for (std::size_t i = 0; i < static_cast<std::size_t>(scan.componentCount); ++i) {
         const auto component = static_cast<std::size_t>(scan.components[i]);
-        use[component] = {tables.huffman[static_cast<std::size_t>(scan.dcSlot[component])].derived,
-                          tables.huffman[static_cast<std::size_t>(scan.acSlot[component])].derived,
-                          tables.QuantTable(frame.components[component].quantTable)};
+        use[component] = {
+            tables.huffman[static_cast<std::size_t>(scan.dcSlot[component])].derived.get(),
+            tables.huffman[static_cast<std::size_t>(scan.acSlot[component])].derived.get(),
+            tables.QuantTable(frame.components[component].quantTable)};
     }
     if (path == JpegPath::Fast) {
         DecodeRow<Quantised>(scan, use, input, fastReader, state, row);
