@@ -38,6 +38,8 @@ public:
         --mcusToRestart;
     }
 
+    bool HasRestarts() const { return restartInterval != 0; }
+
     // Adds difference to the prediction of a frame component and returns it. Corrupt data may
     // let it wrap.
     std::int32_t AddToPrediction(std::size_t component, int difference) {

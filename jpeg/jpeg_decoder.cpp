@@ -13,8 +13,9 @@ JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newS
       source(newSource),
       markers(plainReader, tables, allocations, path),
       sequential(input, plainReader, tables),
-      segments(input),
-      progressive(input, plainReader, tables) {
+      progressive(input, plainReader, tables),
+      sequentialSegments(input),
+      progressiveSegments(input, plainReader, tables) {
     source->Begin();
     input.Attach(source);
     Guarded([this] { ReadToFrameHeader(); });
@@ -69,6 +70,7 @@ int JpegDecoder::StartDecompress() {
 
 void JpegDecoder::Start() {
     PrepareFrame(frame);
+    usesSegments = path == JpegPath::Fast && !input.Whole().empty();
     output.Begin(frame, allocations);
     mcuRow.Allocate(frame, scale, allocations);
     transform.Begin(frame, mcuRow, kernels);
@@ -81,10 +83,9 @@ void JpegDecoder::Start() {
         SetUpScanGeometry(frame, scan);
         SetUpScanHuffman(scan, tables);
         RequireQuantTables(frame, scan, tables);
-        usesSegments = path == JpegPath::Fast && !input.Whole().empty();
         if (usesSegments) {
             plainReader.GiveBack();
-            segments.BeginScan(scan, tables, markers.RestartInterval(), allocations);
+            sequentialSegments.BeginScan(scan, tables, markers.RestartInterval(), allocations);
         } else {
             sequential.BeginScan(path, markers.RestartInterval());
         }
@@ -103,7 +104,11 @@ void JpegDecoder::RequireCompleteScan() const {
 }
 
 void JpegDecoder::ReadProgressiveScans() {
-    progressive.AllocateArrays(frame, allocations);
+    if (usesSegments) {
+        progressiveSegments.AllocateArrays(frame, allocations);
+    } else {
+        progressive.AllocateArrays(frame, allocations);
+    }
     for (;;) {
         const std::uint8_t marker = markers.NextMarker();
         if (marker == kMarkerEoi) break;
@@ -112,7 +117,11 @@ void JpegDecoder::ReadProgressiveScans() {
         SetUpScanGeometry(frame, scan);
         SetUpScanHuffman(scan, tables);
         RequireQuantTables(frame, scan, tables);
-        progressive.DecodeScan(frame, scan, markers.RestartInterval());
+        if (usesSegments) {
+            progressiveSegments.DecodeScan(frame, scan, markers.RestartInterval());
+        } else {
+            progressive.DecodeScan(frame, scan, markers.RestartInterval());
+        }
     }
     scan.componentCount = frame.componentCount;
     for (int i = 0; i < frame.componentCount; ++i) {
@@ -157,11 +166,11 @@ int JpegDecoder::ReadBgr(std::uint8_t* top, std::ptrdiff_t stride) {
 
 void JpegDecoder::DecodeMcuRow() {
     const bool isLast = ++mcuRowsDecoded == frame.mcuRows;
-    if (frame.progressive) {
+    if (usesSegments) {
+        DecodeSegmentRow(isLast && !frame.progressive);
+        if (frame.progressive || !isLast) return;
+    } else if (frame.progressive) {
         progressive.AssembleMcuRow(frame, scan, mcuRowsDecoded - 1, path, mcuRow);
-    } else if (usesSegments) {
-        DecodeSegmentRow(isLast);
-        if (!isLast) return;
     } else {
         sequential.DecodeMcuRow(frame, scan, mcuRow);
     }
@@ -169,15 +178,20 @@ void JpegDecoder::DecodeMcuRow() {
     TransformMcuRow();
 }
 
-// Transforms each group while it is in the processor's nearest cache; but the last row is kept,
-// see ReadBehindScan.
-void JpegDecoder::DecodeSegmentRow(bool isLast) {
+// Transforms each group while it is in the processor's nearest cache, or keeps them all in the row.
+void JpegDecoder::DecodeSegmentRow(bool keep) {
     const int group = McuRow::GroupOf(frame.colourMode);
     std::int16_t* coefficients = mcuRow.coefficients;
     std::uint8_t* ends = mcuRow.ends.data();
     for (int mcu = 0; mcu < frame.mcusPerRow; mcu += group) {
-        segments.DecodeMcus(std::min(group, frame.mcusPerRow - mcu), coefficients, ends);
-        if (isLast) {
+        const int mcus = std::min(group, frame.mcusPerRow - mcu);
+        if (frame.progressive) {
+            progressiveSegments.AssembleMcus(frame, mcuRowsDecoded - 1, mcu, mcus, coefficients,
+                                             ends);
+        } else {
+            sequentialSegments.DecodeMcus(mcus, coefficients, ends);
+        }
+        if (keep) {
             coefficients += group * frame.blocksPerMcu * kBlockSize;
             ends += group * frame.blocksPerMcu;
         } else {
@@ -190,7 +204,7 @@ void JpegDecoder::DecodeSegmentRow(bool isLast) {
 // way there is in time for the last row on the fast path, which dequantises in the inverse DCT, and
 // too late on the plain one, which has dequantised already.
 void JpegDecoder::ReadBehindScan() {
-    if (usesSegments) segments.EndScan();
+    if (usesSegments) sequentialSegments.EndScan();
     plainReader.PrimeForMarkers();
     markers.NextMarker();
 }

@@ -14,6 +14,7 @@
 #include "jpeg/mcu_transform.h"
 #include "jpeg/plain_bit_reader.h"
 #include "jpeg/progressive_decoder.h"
+#include "jpeg/progressive_segment_decoder.h"
 #include "jpeg/row_output.h"
 #include "jpeg/segment_decoder.h"
 #include "jpeg/sequential_decoder.h"
@@ -92,7 +93,7 @@ private:
     void ReadProgressiveScans();
     void RequireCompleteScan() const;
     void DecodeMcuRow();
-    void DecodeSegmentRow(bool isLast);
+    void DecodeSegmentRow(bool keep);
     void ReadBehindScan();
     void TransformMcuRow();
     void TransformPlain();
@@ -113,9 +114,11 @@ private:
     PlainBitReader plainReader{input};
     MarkerReader markers;
     SequentialDecoder sequential;
-    SegmentDecoder segments;
-    bool usesSegments = false;
     ProgressiveDecoder progressive;
+    // The same for streams in memory, on the fast path.
+    SegmentDecoder sequentialSegments;
+    ProgressiveSegmentDecoder progressiveSegments;
+    bool usesSegments = false;
 
     McuRow mcuRow;
     McuTransform transform;

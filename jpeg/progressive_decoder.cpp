@@ -10,16 +10,6 @@
 namespace marvolen {
 namespace {
 
-// Filler that a sound scan may read behind its data, and behind each restart interval: the bit
-// reader looks this many bytes ahead.
-constexpr std::uint64_t kLookAheadBytes = 4;
-
-constexpr int kLongRun = 15;  // the run of a symbol without value that isn't an end of band
-
-std::int16_t ShiftLeft(std::int32_t value, int bits) {
-    return static_cast<std::int16_t>(static_cast<std::uint32_t>(value) << bits);
-}
-
 std::size_t Natural(int k) {
     return kNaturalOrder[static_cast<std::size_t>(k)];
 }
@@ -52,17 +42,16 @@ void ProgressiveDecoder::AllocateArrays(const JpegFrame& frame, AllocationTable&
 }
 
 ProgressiveDecoder::Procedure ProgressiveDecoder::ChooseProcedure(const JpegScan& scan) {
-    const bool dcScan = scan.spectralStart == 0;
-    const bool refinement = scan.approximationHigh != 0;
-    if (scan.spectralEnd < scan.spectralStart || scan.spectralEnd > 63 ||
-        (dcScan && scan.spectralEnd != 0) || (!dcScan && scan.componentCount != 1)) {
-        Fail(kJpegErrorSpectralSelection);
+    switch (ProcedureOf(scan)) {
+        case ProgressiveProcedure::DcFirst:
+            return &ProgressiveDecoder::DcFirst;
+        case ProgressiveProcedure::DcRefine:
+            return &ProgressiveDecoder::DcRefine;
+        case ProgressiveProcedure::AcFirst:
+            return &ProgressiveDecoder::AcFirst;
+        default:
+            return &ProgressiveDecoder::AcRefine;
     }
-    if (refinement && scan.approximationLow != scan.approximationHigh - 1) {
-        Fail(kJpegErrorSuccessiveApproximation);
-    }
-    if (dcScan) return refinement ? &ProgressiveDecoder::DcRefine : &ProgressiveDecoder::DcFirst;
-    return refinement ? &ProgressiveDecoder::AcRefine : &ProgressiveDecoder::AcFirst;
 }
 
 void ProgressiveDecoder::DecodeScan(const JpegFrame& frame, const JpegScan& scan,
@@ -73,17 +62,9 @@ void ProgressiveDecoder::DecodeScan(const JpegFrame& frame, const JpegScan& scan
     reader.PrimeForScan();
     const Procedure procedure = ChooseProcedure(scan);
 
-    const auto mcus =
-        static_cast<std::uint64_t>(scan.mcuRows) * static_cast<std::uint64_t>(scan.mcusPerRow);
-    blocksVisited += mcus * static_cast<std::uint64_t>(scan.blocksPerMcu);
-    if (blocksVisited > kMaxBlocks) Fail(kJpegErrorCorrupt);
-    const std::uint64_t restarts =
-        restartInterval == 0 ? 0 : (mcus - 1) / static_cast<std::uint64_t>(restartInterval);
+    limits.BeginScan(scan);
     DecodeMcus(frame, scan, procedure);
-    const std::uint64_t filler = input.FillerBytes() - fillerBefore;
-    if (filler > kLookAheadBytes * (1 + restarts) && ++dryScans > kMaxDryScans) {
-        Fail(kJpegErrorCorrupt);
-    }
+    limits.EndScan(scan, restartInterval, input.FillerBytes() - fillerBefore);
     reader.PrimeForMarkers();
 }
 

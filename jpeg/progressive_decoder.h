@@ -6,6 +6,7 @@
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/mcu_row.h"
 #include "jpeg/plain_bit_reader.h"
+#include "jpeg/progressive_scan.h"
 
 #include <array>
 #include <cstddef>
@@ -17,17 +18,8 @@ class AllocationTable;
 
 // Entropy decoding of progressive pictures (ITU-T T.81, G.1.2): every scan goes into coefficient
 // arrays of the whole picture, from which MCU rows are then assembled.
-//
-// A scan of a few bytes visits every block of the picture, so it is scans that would make a hostile
-// frame costly. Two limits bound what they may cost together.
 class ProgressiveDecoder {
 public:
-    // Blocks that the scans of a picture may visit: 64 times those of the largest gray one.
-    static constexpr std::uint64_t kMaxBlocks = 1U << 26;
-    // Scans that may be dry, that is, run on behind their data: an encoder makes none, a picture
-    // that was cut off has one.
-    static constexpr int kMaxDryScans = 16;
-
     // All arguments are borrowed.
     ProgressiveDecoder(JpegInput& newInput, PlainBitReader& newReader, const JpegTables& newTables)
         : input(newInput), reader(newReader), tables(newTables) {}
@@ -37,7 +29,7 @@ public:
 
     // Decodes one scan, from right behind its header to its end, and primes the reader for the
     // next marker. Throws JpegFailure: -230, -231 for the scan's parameters, -227, -228 for its
-    // data, -227 beyond kMaxBlocks and kMaxDryScans.
+    // data, -227 beyond ProgressiveLimits.
     void DecodeScan(const JpegFrame& frame, const JpegScan& scan, int restartInterval);
 
     // Assembles the blocks of MCU row mcuRow (0 is the top one) of all frame components. scan
@@ -81,8 +73,7 @@ private:
     const JpegTables& tables;
     EntropyState state;
     std::array<ComponentArrays, kMaxJpegComponents> arrays;
-    std::uint64_t blocksVisited = 0;  // by all scans so far
-    int dryScans = 0;
+    ProgressiveLimits limits;
 };
 
 }  // namespace marvolen

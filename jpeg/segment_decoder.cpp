@@ -132,7 +132,7 @@ void SegmentDecoder::BeginScan(const JpegScan& scan, const JpegTables& tables, i
     state.BeginScan(restartInterval);
     const std::size_t bytes = EntropySegment::BufferBytes(input.Whole().size());
     reader.SetBuffer(allocations.AllocateArray<std::uint8_t>(bytes));
-    reader.PrimeForScan();
+    reader.BeginScan();
 }
 
 void SegmentDecoder::DecodeMcus(int mcus, std::int16_t* coefficients, std::uint8_t* ends) {

@@ -25,6 +25,12 @@ public:
     // What segments are unstuffed into, of EntropySegment::BufferBytes of the stream. Borrowed.
     void SetBuffer(std::uint8_t* newBuffer) { buffer = newBuffer; }
 
+    // Begins at the input's position, right behind a scan header.
+    void BeginScan() {
+        fillerBytes = 0;
+        PrimeForScan();
+    }
+
     // Loads the segment that begins at the input's position.
     void PrimeForScan() {
         segment.Load(input.Whole(), input.Position(), buffer);
@@ -34,7 +40,7 @@ public:
 
     // Call before each MCU, which may read up to kMcuBytes bytes.
     void BeginMcu() {
-        if (segment.End() - cursor.next >= kMcuBytes) [[likely]]
+        if (!NearsEnd(cursor)) [[likely]]
             return;
         constexpr std::uint32_t kRewind = EntropySegment::kFillerBytes - kMcuBytes;
         static_assert(kRewind % 2 == 0);
@@ -42,11 +48,18 @@ public:
         rewound += kRewind;
     }
 
-    // Sets the input behind the bytes that have been taken.
-    void Leave() { input.Seek(segment.PositionBehind(Taken())); }
+    // Is BeginMcu more than nothing with the cursor there?
+    bool NearsEnd(const BitCursor& at) const { return segment.End() - at.next < kMcuBytes; }
 
-    // Filler bytes among those that have been taken.
-    std::uint64_t FillerTaken() const { return segment.FillerAmong(Taken()); }
+    // Sets the input behind the bytes that have been taken.
+    void Leave() {
+        const std::uint64_t taken = Taken();
+        fillerBytes += segment.FillerAmong(taken);
+        input.Seek(segment.PositionBehind(taken));
+    }
+
+    // Filler bytes among those that had been taken in this scan whenever it was left.
+    std::uint64_t FillerBytes() const { return fillerBytes; }
 
     BitCursor cursor;
 
@@ -70,6 +83,7 @@ private:
     const Refills refills;
     std::uint8_t* buffer = nullptr;
     EntropySegment segment;
+    std::uint64_t fillerBytes = 0;
     std::uint64_t rewound = 0;  // bytes that the cursor went back within the filler
 };
 
