@@ -9,8 +9,9 @@
 
 namespace marvolen {
 
-bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg) {
-    return picture.DecodeJpeg(jpeg.data(), jpeg.size()) == 1;
+bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg,
+                     const PaneView& target) {
+    return picture.DecodeJpegFor(target.width, target.height, jpeg.data(), jpeg.size()) == 1;
 }
 
 DrawingThread::DrawingThread(std::function<void()> imageFunction, DecodeFunction decodeFunction)
@@ -117,9 +118,8 @@ void DrawingThread::Run() {
     SetThreadPriority(ThreadPriority::Idle);
     while (WaitForPicture()) {
         Work work;
-        PaneView target;
-        if (BeginPicture(work) && decode(*work.picture, work.jpeg) &&
-            StretchPicture(work, target) && PublishImage(target)) {
+        if (BeginPicture(work) && decode(*work.picture, work.jpeg, work.target) &&
+            StretchPicture(work) && PublishImage(work.target)) {
             imageFinished();
         }
         EndPicture();
@@ -138,17 +138,17 @@ bool DrawingThread::WaitForPicture() {
 bool DrawingThread::BeginPicture(Work& work) {
     const MutexLock guard(lock);
     decoding = view.shown && opened && queuedGeneration == generation;
-    work = {pictureBuffer, &picture, stretcher.get()};
+    work = {pictureBuffer, &picture, stretcher.get(), view};
     return decoding;
 }
 
-// Stretches the picture to the view as it is now, which is put into target.
-bool DrawingThread::StretchPicture(const Work& work, PaneView& target) {
+// Stretches the picture to the view as it is now, which becomes the target.
+bool DrawingThread::StretchPicture(Work& work) {
     {
         const MutexLock guard(lock);
-        target = view;
+        work.target = view;
     }
-    if (!stretched.Resize(target.width, target.height)) return false;
+    if (!stretched.Resize(work.target.width, work.target.height)) return false;
     const DibImage& decoded = *work.picture;
     return work.stretcher->Stretch(
         {decoded.GetPixels(), decoded.Width(), decoded.Height(), decoded.Stride()}, stretched);

@@ -36,12 +36,15 @@ struct PaneView {
     bool operator==(const PaneView&) const = default;
 };
 
-// Fills the picture from a frame's bytes, which begin with its JPEG data. Returns whether there is
-// a picture to draw.
-using DecodeFunction = std::function<bool(DibImage& picture, std::span<const std::uint8_t> jpeg)>;
+// Fills the picture from a frame's bytes, which begin with its JPEG data, for a pane that shows it
+// like this. Returns whether there is a picture to draw. Its size may be any.
+using DecodeFunction = std::function<bool(DibImage& picture, std::span<const std::uint8_t> jpeg,
+                                          const PaneView& target)>;
 
-// DibImage::DecodeJpeg as a DecodeFunction.
-bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg);
+// DibImage::DecodeJpegFor as a DecodeFunction: a picture that is at least twice as large as the
+// video area is decoded at half scale, which the eye can't tell from the whole one behind the
+// stretch.
+bool DecodeJpegFrame(DibImage& picture, std::span<const std::uint8_t> jpeg, const PaneView& target);
 
 class DrawingThread {
 public:
@@ -97,13 +100,14 @@ private:
         std::span<const std::uint8_t> jpeg;
         DibImage* picture = nullptr;
         Stretcher* stretcher = nullptr;
+        PaneView target;  // the view when it began
     };
 
     // The drawing thread's.
     void Run();
     bool WaitForPicture();
     bool BeginPicture(Work& work);
-    bool StretchPicture(const Work& work, PaneView& target);
+    bool StretchPicture(Work& work);
     bool PublishImage(const PaneView& target);
     void EndPicture();
 

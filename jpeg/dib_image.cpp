@@ -40,6 +40,20 @@ int DibImage::DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath 
                          JpegScale scale) {
     MemoryJpegSource source(bytes, count);
     JpegDecoder decoder(&source, path, scale);
+    return Decode(decoder);
+}
+
+int DibImage::DecodeJpegFor(int width, int height, const std::uint8_t* bytes, std::size_t count) {
+    MemoryJpegSource source(bytes, count);
+    JpegDecoder decoder(&source, JpegPath::Fast);
+    const auto halves = [](int whole, int wanted) { return whole % 2 == 0 && whole / 2 >= wanted; };
+    if (halves(decoder.GetWidth(), width) && halves(decoder.GetHeight(), height)) {
+        decoder.SetScale(JpegScale::Half);
+    }
+    return Decode(decoder);
+}
+
+int DibImage::Decode(JpegDecoder& decoder) {
     if (decoder.GetError() != 0 || decoder.StartDecompress() != 0) {
         lastError = decoder.GetError();
         return 0;

@@ -12,6 +12,8 @@
 
 namespace marvolen {
 
+class JpegDecoder;
+
 // The picture holder of a pane: a 24-bit bottom-up device-independent bitmap and the operation
 // that fills it from a JPEG frame.
 //
@@ -78,6 +80,11 @@ public:
     int DecodeJpeg(const std::uint8_t* bytes, std::size_t count, JpegPath path = JpegPath::Fast,
                    JpegScale scale = JpegScale::Full);
 
+    // DecodeJpeg for a place of width x height pixels: at half scale where the picture
+    // is at least twice as large both ways and its sides are even, so that half of them is exact;
+    // else at full scale.
+    int DecodeJpegFor(int width, int height, const std::uint8_t* bytes, std::size_t count);
+
     // What the last DecodeJpeg ran into: 0, or one of the codes of "jpeg/jpeg_error.h".
     int LastError() const { return lastError; }
 
@@ -86,6 +93,7 @@ private:
         void operator()(std::uint8_t* block) const { std::free(block); }
     };
 
+    int Decode(JpegDecoder& decoder);
     bool Resize(int width, int height);
 
     BITMAPINFOHEADER header;

@@ -8,8 +8,8 @@ namespace marvolen {
 
 JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newScale)
     : path(newPath),
-      scale(newPath == JpegPath::Fast ? newScale : JpegScale::Full),
       kernels(ActiveJpegKernels()),
+      scale(newPath == JpegPath::Fast ? newScale : JpegScale::Full),
       source(newSource),
       markers(plainReader, tables, allocations, path),
       sequential(input, plainReader, tables),
@@ -148,11 +148,12 @@ int JpegDecoder::ReadBgr(std::uint8_t* top, std::ptrdiff_t stride) {
     if (error != 0 || !started || mcuRowsDecoded != 0) return -1;
     const int height = OutputHeight();
     const int vertical = frame.mcuHeight / 8;
-    const int step = frame.colourMode == ColourMode::Gray ? 1 : vertical;
-    const auto build = kernels.buildBgr[static_cast<std::size_t>(frame.colourMode)];
+    const ColourMode mode = mcuRow.outputMode;
+    const int step = mode == ColourMode::Gray || mode == ColourMode::Y1x1 ? 1 : vertical;
+    const auto build = kernels.buildBgr[static_cast<std::size_t>(mode)];
     for (int y = 0; y < height;) {
         if (!Guarded([this] { DecodeMcuRow(); })) return kJpegErrorCorrupt;
-        const int rows = std::min(mcuRow.blockEdge * vertical, height - y);
+        const int rows = std::min(mcuRow.blockEdges[0] * vertical, height - y);
         for (int p = 0; p < rows; p += step, y += step, top += step * stride) {
             const SampleLines lines = {
                 mcuRow.planes[0].Line(p), mcuRow.planes[0].Line(p + step - 1),

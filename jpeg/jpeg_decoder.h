@@ -50,6 +50,11 @@ public:
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
+    // Another scale than the constructor's; before StartDecompress.
+    void SetScale(JpegScale newScale) {
+        scale = path == JpegPath::Fast ? newScale : JpegScale::Full;
+    }
+
     // The stored error: 0, or a JpegError.
     int GetError() const { return error; }
 
@@ -101,9 +106,9 @@ private:
 
     // Constant after construction.
     const JpegPath path;
-    const JpegScale scale;
     const JpegKernels& kernels;
 
+    JpegScale scale;     // constant once started
     JpegSource* source;  // null once released
     AllocationTable allocations;
     JpegTables tables;

@@ -37,10 +37,13 @@ struct McuRow {
     // plain one. The blocks stand MCU after MCU, within an MCU in the order of ColourMode. Behind
     // them is room for one more coefficient.
     std::int16_t* coefficients = nullptr;
-    // The samples of each component: blockEdge x vertical factor lines.
+    // The samples of each component: block edge x vertical factor lines.
     std::array<SamplePlane, kMaxJpegComponents> planes;
-    // Samples of a block each way: 8 or 4.
-    int blockEdge = 8;
+    // Samples of a component's block each way: 8, at half scale 4. But chroma with half as many
+    // samples as Y both ways has the right ones for half scale: those blocks stay whole.
+    std::array<int, kMaxJpegComponents> blockEdges{};
+    // How the planes' samples lie to each other.
+    ColourMode outputMode = ColourMode::Gray;
     // Per block one past the zigzag position of its last coefficient that may be non-zero; all
     // coefficients from there on are 0.
     std::array<std::uint8_t, kMaxBlocksPerMcuRow + kMaxBlocksPerMcu> ends{};

@@ -35,9 +35,9 @@ private:
         Place first;
         Place second;
         std::ptrdiff_t stride = 0;
+        JpegKernels::Idct idct = nullptr;
     };
 
-    JpegKernels::Idct idct = nullptr;
     std::array<Pair, 3> pairs;
     std::size_t pairCount = 0;
 };

@@ -54,7 +54,7 @@ public:
     };
 
     DecodeFunction Function() {
-        return [this](DibImage& picture, std::span<const std::uint8_t> jpeg) {
+        return [this](DibImage& picture, std::span<const std::uint8_t> jpeg, const PaneView&) {
             std::unique_lock guard(mutex);
             decodes.push_back({{jpeg.begin(), jpeg.end()}, picture.Width(), sched_getscheduler(0)});
             Decode& own = decodes.back();
