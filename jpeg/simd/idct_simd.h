@@ -19,6 +19,22 @@
 
 namespace marvolen::simd {
 
+// Zigzag positions before the first outside the 4 x 4 corner.
+constexpr int kCorner = 10;
+
+static inline int Last(const IdctBlock& first, const IdctBlock& second) {
+    return first.end > second.end ? first.end : second.end;
+}
+
+// Dequantised lines, of which the first kFilled, 4 or 8, are not all 0. What is known to be 0 falls
+// out of the arithmetic when it is compiled.
+template <class Ops, int kFilled>
+static inline void LoadLines(const IdctBlock& first, const IdctBlock& second,
+                             typename Ops::Words* x) {
+    for (int line = 0; line < kFilled; line += 2) Ops::LoadTwo(first, second, line, x + line);
+    for (int line = kFilled; line < 8; ++line) x[line] = Ops::Zero();
+}
+
 // The one-dimensional transform down the columns of eight lines.
 template <class Ops>
 static inline void TransformColumns(typename Ops::Words* x) {
@@ -98,9 +114,10 @@ static inline void StoreSamples(const typename Ops::Words* x, const IdctBlock& f
     const Bytes s23 = Ops::Low8(s26, s37), s67 = Ops::High8(s26, s37);
     const Bytes upper03 = Ops::Low16(s01, s23), lower03 = Ops::High16(s01, s23);
     const Bytes upper47 = Ops::Low16(s45, s67), lower47 = Ops::High16(s45, s67);
-    const auto store = [&](std::ptrdiff_t line, Bytes twoLines) {
-        Ops::Store8(twoLines, first.samples + line * stride, second.samples + line * stride,
-                    stride);
+    std::uint8_t* const firstSamples = first.samples;
+    std::uint8_t* const secondSamples = second.samples;
+    const auto store = [=](std::ptrdiff_t line, Bytes twoLines) {
+        Ops::Store8(twoLines, firstSamples + line * stride, secondSamples + line * stride, stride);
     };
     store(0, Ops::Low32(upper03, upper47));
     store(2, Ops::High32(upper03, upper47));
@@ -108,14 +125,12 @@ static inline void StoreSamples(const typename Ops::Words* x, const IdctBlock& f
     store(6, Ops::High32(lower03, lower47));
 }
 
-// Both passes, where only the first kFilled lines and columns of coefficients are not all 0. What
-// is known to be 0 falls out of the arithmetic when it is compiled.
+// Both passes, where only the first kFilled lines and columns of coefficients are not all 0.
 template <class Ops, int kFilled>
 static inline void Transform(const IdctBlock& first, const IdctBlock& second,
                              std::ptrdiff_t stride) {
     typename Ops::Words x[8];
-    for (int line = 0; line < kFilled; line += 2) Ops::LoadTwo(first, second, line, x + line);
-    for (int line = kFilled; line < 8; ++line) x[line] = Ops::Zero();
+    LoadLines<Ops, kFilled>(first, second, x);
     TransformColumns<Ops>(x);
     Transpose<Ops, kFilled>(x);
     TransformColumns<Ops>(x);
@@ -125,8 +140,7 @@ static inline void Transform(const IdctBlock& first, const IdctBlock& second,
 template <class Ops>
 static inline void FullBlocks(const IdctBlock& first, const IdctBlock& second,
                               std::ptrdiff_t stride) {
-    constexpr int kCorner = 10;  // zigzag positions before the first outside the 4 x 4 corner
-    const int end = first.end > second.end ? first.end : second.end;
+    const int end = Last(first, second);
     if (end == 1) {
         // Every result is what the DC is after dequantisation.
         Ops::Fill(first, second, stride);
@@ -158,25 +172,42 @@ static inline void HalfColumns(typename Ops::Words* x) {
     x[3] = Ops::Subtract(even0, odd0);
 }
 
-template <class Ops>
-static inline void HalfBlocks(const IdctBlock& first, const IdctBlock& second,
-                              std::ptrdiff_t stride) {
+template <class Ops, int kFilled>
+static inline void HalfTransform(const IdctBlock& first, const IdctBlock& second,
+                                 std::ptrdiff_t stride) {
     using Words = typename Ops::Words;
     Words x[8];
-    for (int line = 0; line < 8; line += 2) Ops::LoadTwo(first, second, line, x + line);
+    LoadLines<Ops, kFilled>(first, second, x);
     HalfColumns<Ops>(x);
     // Four lines of eight columns to eight lines, of which only the first four words matter.
     const Words l01 = Ops::Low16(x[0], x[1]), l23 = Ops::Low16(x[2], x[3]);
     const Words h01 = Ops::High16(x[0], x[1]), h23 = Ops::High16(x[2], x[3]);
-    x[0] = Ops::Low32(l01, l23);
-    x[2] = Ops::High32(l01, l23);
-    x[4] = Ops::Low32(h01, h23);
-    x[6] = Ops::High32(h01, h23);
-    for (int line = 0; line < 8; line += 2) x[line + 1] = Ops::High64(x[line], x[line]);
+    const auto separate = [](Words two, Words* lines) {
+        lines[0] = two;
+        lines[1] = Ops::High64(two, two);
+    };
+    separate(Ops::Low32(l01, l23), x);
+    separate(Ops::High32(l01, l23), x + 2);
+    if constexpr (kFilled == 8) {
+        separate(Ops::Low32(h01, h23), x + 4);
+        separate(Ops::High32(h01, h23), x + 6);
+    } else {
+        x[4] = x[5] = x[6] = x[7] = Ops::Zero();
+    }
     HalfColumns<Ops>(x);
     const Words r01 = Ops::Low16(x[0], x[1]), r23 = Ops::Low16(x[2], x[3]);
     Ops::Store4(Ops::Samples(Ops::Low32(r01, r23), Ops::High32(r01, r23)), first.samples,
                 second.samples, stride);
+}
+
+template <class Ops>
+static inline void HalfBlocks(const IdctBlock& first, const IdctBlock& second,
+                              std::ptrdiff_t stride) {
+    if (Last(first, second) <= kCorner) {
+        HalfTransform<Ops, 4>(first, second, stride);
+    } else {
+        HalfTransform<Ops, 8>(first, second, stride);
+    }
 }
 
 // The kernels.

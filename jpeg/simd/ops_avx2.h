@@ -82,27 +82,37 @@ struct Avx2Ops {
             Store8(samples, first.samples + line * stride, second.samples + line * stride, stride);
         }
     }
-    // Two lines of eight samples each.
+    // Two lines of eight samples each; blocks side by side take half the stores.
     static void Store8(Bytes lines, std::uint8_t* first, std::uint8_t* second,
                        std::ptrdiff_t stride) {
-        const auto store = [stride](__m128i both, std::uint8_t* to) {
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), both);
-            _mm_storeh_pi(reinterpret_cast<__m64*>(to + stride), _mm_castsi128_ps(both));
-        };
-        store(_mm256_castsi256_si128(lines), first);
-        store(_mm256_extracti128_si256(lines, 1), second);
+        if (second == first + 8) {
+            const __m256i wide = _mm256_permute4x64_epi64(lines, _MM_SHUFFLE(3, 1, 2, 0));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(first), _mm256_castsi256_si128(wide));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(first + stride),
+                             _mm256_extracti128_si256(wide, 1));
+        } else {
+            StoreHalves(_mm256_castsi256_si128(lines), first, stride);
+            StoreHalves(_mm256_extracti128_si256(lines, 1), second, stride);
+        }
     }
     // Four lines of four samples each.
     static void Store4(Bytes lines, std::uint8_t* first, std::uint8_t* second,
                        std::ptrdiff_t stride) {
-        const auto store = [stride](__m128i four, std::uint8_t* to) {
-            _mm_storeu_si32(to, four);
-            _mm_storeu_si32(to + stride, _mm_srli_si128(four, 4));
-            _mm_storeu_si32(to + 2 * stride, _mm_srli_si128(four, 8));
-            _mm_storeu_si32(to + 3 * stride, _mm_srli_si128(four, 12));
-        };
-        store(_mm256_castsi256_si128(lines), first);
-        store(_mm256_extracti128_si256(lines, 1), second);
+        if (second == first + 4) {
+            const __m256i places = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+            const __m256i wide = _mm256_permutevar8x32_epi32(lines, places);
+            StoreHalves(_mm256_castsi256_si128(wide), first, stride);
+            StoreHalves(_mm256_extracti128_si256(wide, 1), first + 2 * stride, stride);
+        } else {
+            const auto store = [stride](__m128i four, std::uint8_t* to) {
+                _mm_storeu_si32(to, four);
+                _mm_storeu_si32(to + stride, _mm_srli_si128(four, 4));
+                _mm_storeu_si32(to + 2 * stride, _mm_srli_si128(four, 8));
+                _mm_storeu_si32(to + 3 * stride, _mm_srli_si128(four, 12));
+            };
+            store(_mm256_castsi256_si128(lines), first);
+            store(_mm256_extracti128_si256(lines, 1), second);
+        }
     }
 
     // Rows.
@@ -141,6 +151,12 @@ struct Avx2Ops {
         _mm256_storeu_si256(out, _mm256_permute2x128_si256(head, middle, 0x20));
         _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(tail, head, 0x30));
         _mm256_storeu_si256(out + 2, _mm256_permute2x128_si256(middle, tail, 0x31));
+    }
+
+private:
+    static void StoreHalves(__m128i both, std::uint8_t* to, std::ptrdiff_t stride) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), both);
+        _mm_storeh_pi(reinterpret_cast<__m64*>(to + stride), _mm_castsi128_ps(both));
     }
 };
 

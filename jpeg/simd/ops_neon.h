@@ -103,7 +103,8 @@ struct NeonOps {
         return OfBytes(vcombine_u8(pixels.val[0], pixels.val[1]));
     }
     static void StoreBgr(std::uint8_t* to, Bytes blue, Bytes green, Bytes red) {
-        vst3q_u8(to, {{ToBytes(blue), ToBytes(green), ToBytes(red)}});
+        const uint8x16x3_t pixels = {{ToBytes(blue), ToBytes(green), ToBytes(red)}};
+        vst3q_u8(to, pixels);
     }
 
 private:
