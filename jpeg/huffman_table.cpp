@@ -33,7 +33,7 @@ void HuffmanTable::Build(const std::uint8_t* counts, const std::uint8_t* symbols
     for (std::uint32_t bits = 0; bits < direct.size(); ++bits) {
         direct[bits] = MakeDirect(bits, use);
     }
-    if (use == Use::Ac) MakePairs();
+    if (use == Use::SequentialAc) MakePairs();
 }
 
 void HuffmanTable::AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode) {
@@ -51,12 +51,12 @@ void HuffmanTable::AddLongCode(std::uint32_t code, int length, int symbol, std::
 HuffmanTable::Direct HuffmanTable::MakeDirect(std::uint32_t bits, Use use) const {
     // The bits beyond kDirectBits are unknown: whatever depends on them is left to the caller.
     const std::uint32_t window = bits << (16 - kDirectBits);
-    const Decoded decoded = Decode(window);
+    const Decoded decoded = DecodeWindow(window);
     if (!IsKnown(decoded, window, kDirectBits)) return {};
     const int size = use == Use::Dc ? decoded.symbol : decoded.symbol & 15;
     const int run = use == Use::Dc ? 0 : decoded.symbol >> 4;
     const int total = decoded.length + size;
-    if (total > kDirectBits || (size == 0 && use == Use::Ac)) {
+    if (total > kDirectBits || (size == 0 && use != Use::Dc)) {
         return Direct::Symbol(decoded.length, decoded.symbol);
     }
     if (size == 0) return Direct::Coefficient(total, 0, 0);
@@ -64,9 +64,20 @@ HuffmanTable::Direct HuffmanTable::MakeDirect(std::uint32_t bits, Use use) const
     return Direct::Coefficient(total, run, ExtendCoefficient(valueBits, size));
 }
 
+HuffmanTable::Decoded HuffmanTable::DecodeWindow(std::uint32_t window) const {
+    std::int32_t entry = lookahead[window >> 8];
+    if (entry >= 0) return {entry, codeLength[static_cast<std::size_t>(entry)]};
+    int length = 8;
+    do {
+        ++length;
+        entry = tree[Branch(entry, window >> (16 - length) & 1)];
+    } while (entry < 0);
+    return {entry, length};
+}
+
 HuffmanTable::Pair HuffmanTable::MakeSingle(std::uint32_t bits) const {
     const std::uint32_t window = bits << (16 - kPairBits);
-    const auto [symbol, length] = Decode(window);
+    const auto [symbol, length] = DecodeWindow(window);
     if (!IsKnown({symbol, length}, window, kPairBits)) return Pair::Long(Pair::kUnknown, 0);
     const int size = symbol & 15;
     const int total = length + size;

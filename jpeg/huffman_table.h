@@ -24,8 +24,8 @@ inline constexpr int kZeroRun = 0xF0;
 class HuffmanTable {
 public:
     // What a symbol means: a size (DC), or a run of zeros in the high and a size in the low
-    // nibble.
-    enum class Use { Dc, Ac };
+    // nibble. Pairs are for sequential scans, where a size of 0 has no other meaning.
+    enum class Use { Dc, Ac, SequentialAc };
 
     static constexpr int kDirectBits = 10;
 
@@ -115,42 +115,32 @@ public:
     // What the next kDirectBits bits mean.
     Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
 
-    // What the next kPairBits bits mean in an AC table; in a DC one nothing.
+    // What the next kPairBits bits mean in a table for SequentialAc; in another one nothing.
     Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }
 
     // Decodes and consumes one symbol (0..255).
     template <class BitReader>
     int DecodeSymbol(BitReader& reader) const {
-        const Decoded decoded = Decode(reader.Peek16());
+        const Decoded decoded = DecodeWindow(reader.Peek16());
         reader.Consume(decoded.length);
         return decoded.symbol;
     }
+
+    // The first symbol of 16 bits, and how many of them are its code.
+    struct Decoded {
+        int symbol;
+        int length;
+    };
+    Decoded DecodeWindow(std::uint32_t window) const;
 
 private:
     // A tree of 255 codes of up to 16 bits has at most 261 nodes below the lookahead: one fewer
     // than codes, and up to eight more on the edge behind the last code.
     static constexpr int kMaxNodes = 264;
 
-    struct Decoded {
-        int symbol;
-        int length;
-    };
-
     // Is the first symbol known, and how long its code is, from that many bits of the window?
     bool IsKnown(const Decoded& decoded, std::uint32_t window, int bits) const {
         return lookahead[window >> 8] >= 0 || decoded.length <= bits;
-    }
-
-    // Decodes the first symbol of 16 bits.
-    Decoded Decode(std::uint32_t window) const {
-        std::int32_t entry = lookahead[window >> 8];
-        if (entry >= 0) return {entry, codeLength[static_cast<std::size_t>(entry)]};
-        int length = 8;
-        do {
-            ++length;
-            entry = tree[Branch(entry, window >> (16 - length) & 1)];
-        } while (entry < 0);
-        return {entry, length};
     }
 
     // Where a node keeps what follows for the next bit.

@@ -81,7 +81,7 @@ void JpegDecoder::Start() {
         markers.ReadScanHeader(frame, scan);
         RequireCompleteScan();
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(scan, tables);
+        SetUpScanHuffman(frame, scan, tables);
         RequireQuantTables(frame, scan, tables);
         if (usesSegments) {
             plainReader.GiveBack();
@@ -115,7 +115,7 @@ void JpegDecoder::ReadProgressiveScans() {
         if (marker != kMarkerSos) Fail(kJpegErrorMarker);
         markers.ReadScanHeader(frame, scan);
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(scan, tables);
+        SetUpScanHuffman(frame, scan, tables);
         RequireQuantTables(frame, scan, tables);
         if (usesSegments) {
             progressiveSegments.DecodeScan(frame, scan, markers.RestartInterval());

@@ -24,43 +24,52 @@ constexpr std::array<std::uint8_t, 256> MakeOrderBehind() {
 }
 constexpr std::array<std::uint8_t, 256> kOrderBehind = MakeOrderBehind();
 
-constexpr int kLooksARefill = 4;
+constexpr int kLooksARefill = 4;  // in DecodeAc
 static_assert(HuffmanTable::kDirectBits + kLooksARefill * HuffmanTable::kPairBits <=
               BitCursor::kRefilled);
 
-[[gnu::noinline]] int DecodeLongDc(const HuffmanTable& table, BitCursor& in) {
+// What a function that stays out of line does to the cursor it is given. Passed by value, so that
+// the caller's own stays in registers.
+struct Step {
+    BitCursor in;
+    int value;
+};
+
+[[gnu::noinline]] Step DecodeLongDc(const HuffmanTable& table, BitCursor in) {
     const int size = table.DecodeSymbol(in);
     if (size > 15) Fail(kJpegErrorCorrupt);
     const int difference = size == 0 ? 0 : ExtendCoefficient(in.ReadBits(size), size);
     in.Refill();
-    return difference;
+    return {in, difference};
 }
 
-int DecodeDcDifference(const HuffmanTable& table, BitCursor& in) {
+inline int DecodeDcDifference(const HuffmanTable& table, BitCursor& in) {
     const HuffmanTable::Direct direct = table.LookUp(in.Peek(HuffmanTable::kDirectBits));
-    if (!direct.IsCoefficient()) [[unlikely]]
-        return DecodeLongDc(table, in);
-    in.Consume(direct.Bits());
-    return direct.Value();
+    if (direct.IsCoefficient()) [[likely]] {
+        in.Consume(direct.Bits());
+        return direct.Value();
+    }
+    const Step step = DecodeLongDc(table, in);
+    in = step.in;
+    return step.value;
 }
 
-// A symbol whose bits or value bits a look doesn't see whole. Returns the next position: the
-// block ends at position + Pair::kEnd.
-int DecodeLong(const HuffmanTable& table, Pair entry, BitCursor& in, std::int16_t* block,
-               int position) {
+// A symbol whose bits or value bits a look doesn't see whole. Returns the next position: the block
+// ends at position + Pair::kEnd. Forced inline, for a call would force the cursor out of registers.
+[[gnu::always_inline]] inline int DecodeLong(const HuffmanTable& table, Pair entry, BitCursor& in,
+                                             std::int16_t* block, int position) {
     in.Refill();
-    int symbol = entry.Value();
-    if (entry.FirstBits() == Pair::kUnknown) {
-        symbol = table.DecodeSymbol(in);
-    } else {
-        in.Consume(entry.FirstBits());
+    HuffmanTable::Decoded decoded = {entry.Value(), entry.FirstBits()};
+    if (decoded.length == Pair::kUnknown) [[unlikely]] {
+        decoded = table.DecodeWindow(in.Peek16());
     }
-    const int size = symbol & 15;
-    if (size == 0 && symbol != kZeroRun) {
+    in.Consume(decoded.length);
+    const int size = decoded.symbol & 15;
+    if (size == 0 && decoded.symbol != kZeroRun) {
         in.Refill();
         return position + Pair::kEnd;
     }
-    position += symbol >> 4;
+    position += decoded.symbol >> 4;
     if (position >= kBlockSize) Fail(kJpegErrorCorrupt);
     if (size != 0) {
         const int value = ExtendCoefficient(in.ReadBits(size), size);
@@ -72,15 +81,15 @@ int DecodeLong(const HuffmanTable& table, Pair entry, BitCursor& in, std::int16_
 
 // Decodes the AC coefficients of a block that is all zeros but for the first one. Returns one past
 // the zigzag position of the last one.
-int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* block) {
+inline int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* block) {
     int position = 1;
     for (;;) {
         Pair entry;
-        BitCursor before;
+        std::uint64_t bitsBefore = 0;
         int behindFirst = 0;
         int behind = 0;
-        for (int look = 0; look < kLooksARefill; ++look) {
-            before = in;
+        const auto look = [&] {
+            bitsBefore = in.bits;
             entry = table.LookUpPair(in.bits >> (64 - HuffmanTable::kPairBits));
             in.Consume(entry.Bits());
             behindFirst = position + entry.Advance();
@@ -89,10 +98,11 @@ int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* block) {
                 static_cast<std::int16_t>(entry.Value());
             block[kOrderBehind[static_cast<std::size_t>(behind)]] =
                 static_cast<std::int16_t>(entry.SecondValue());
-            if (behind >= kBlockSize) break;
+            if (behind >= kBlockSize) return true;
             position = behind;
-        }
-        if (behind < kBlockSize) {
+            return false;
+        };
+        if (!(look() || look() || look() || look())) {
             in.Refill();
             continue;
         }
@@ -102,17 +112,17 @@ int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* block) {
             if (behind < Pair::kEnd) Fail(kJpegErrorCorrupt);
             return behindFirst;
         }
+        if (entry.Advance() == Pair::kEnd) return position;
         if (entry.Advance() >= Pair::kLong) {
             position = DecodeLong(table, entry, in, block, position);
             if (position > Pair::kEnd) return position - Pair::kEnd;
             if (position == kBlockSize) return kBlockSize;
             continue;
         }
-        if (entry.Advance() == Pair::kEnd) return position;
         if (behindFirst > kBlockSize) Fail(kJpegErrorCorrupt);
         // The first one fills the block; the second one belongs to the next.
-        in = before;
-        in.Consume(entry.FirstBits());
+        in.bits = bitsBefore << entry.FirstBits();
+        in.count += static_cast<std::uint32_t>(entry.Bits() - entry.FirstBits());
         return kBlockSize;
     }
 }
