@@ -7,7 +7,8 @@
 namespace marvolen {
 
 // Reads bits from memory, the highest bit of a byte first. The memory must go on for 8 bytes behind
-// the last one that is read.
+// the last one that is read. Its operations are forced inline, so that files compiled for different
+// instruction sets share none of them.
 struct BitCursor {
     // Bits that are there after Refill.
     static constexpr int kRefilled = 56;
@@ -18,7 +19,7 @@ struct BitCursor {
 
     // Makes at least kRefilled bits be there. What bits holds below its count is part of the byte
     // at next already, so or-ing that again changes nothing: no branch, no mask.
-    void Refill() {
+    [[gnu::always_inline]] void Refill() {
         std::uint64_t word;
         std::memcpy(&word, next, sizeof word);
         if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
@@ -28,18 +29,22 @@ struct BitCursor {
     }
 
     // Consumes bits that are there.
-    void Drop(std::uint32_t dropped) {
+    [[gnu::always_inline]] void Drop(std::uint32_t dropped) {
         bits <<= dropped;
         count -= dropped;
     }
 
     // The next size (1..32) bits, without consuming them.
-    std::uint32_t Peek(int size) const { return static_cast<std::uint32_t>(bits >> (64 - size)); }
+    [[gnu::always_inline]] std::uint32_t Peek(int size) const {
+        return static_cast<std::uint32_t>(bits >> (64 - size));
+    }
 
     // As the other bit readers, for HuffmanTable::DecodeSymbol.
-    std::uint32_t Peek16() const { return Peek(16); }
-    void Consume(int consumed) { Drop(static_cast<std::uint32_t>(consumed)); }
-    std::uint32_t ReadBits(int size) {
+    [[gnu::always_inline]] std::uint32_t Peek16() const { return Peek(16); }
+    [[gnu::always_inline]] void Consume(int consumed) {
+        Drop(static_cast<std::uint32_t>(consumed));
+    }
+    [[gnu::always_inline]] std::uint32_t ReadBits(int size) {
         const std::uint32_t value = Peek(size);
         Consume(size);
         return value;

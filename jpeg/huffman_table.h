@@ -43,13 +43,15 @@ public:
         constexpr Direct() = default;
 
         // Both false: the code is longer than the direct table sees.
-        constexpr bool IsCoefficient() const { return (packed & kIsCoefficient) != 0; }
-        constexpr bool IsSymbol() const { return (packed & kIsSymbol) != 0; }
+        [[gnu::always_inline]] constexpr bool IsCoefficient() const {
+            return (packed & kIsCoefficient) != 0;
+        }
+        [[gnu::always_inline]] constexpr bool IsSymbol() const { return (packed & kIsSymbol) != 0; }
         // Bits to consume, 0..16.
-        constexpr int Bits() const { return packed & 0x1F; }
-        constexpr int Run() const { return packed >> 8 & 0xFF; }
+        [[gnu::always_inline]] constexpr int Bits() const { return packed & 0x1F; }
+        [[gnu::always_inline]] constexpr int Run() const { return packed >> 8 & 0xFF; }
         // The coefficient or the symbol.
-        constexpr int Value() const { return packed >> 16; }
+        [[gnu::always_inline]] constexpr int Value() const { return packed >> 16; }
 
     private:
         static constexpr std::int32_t kIsCoefficient = 0x20;
@@ -113,7 +115,7 @@ public:
     void Build(const std::uint8_t* counts, const std::uint8_t* symbols, Use use);
 
     // What the next kDirectBits bits mean.
-    Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
+    [[gnu::always_inline]] Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
 
     // What the next kPairBits bits mean in a table for SequentialAc; in another one nothing.
     Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }

@@ -15,7 +15,7 @@ JpegDecoder::JpegDecoder(JpegSource* newSource, JpegPath newPath, JpegScale newS
       sequential(input, plainReader, tables),
       progressive(input, plainReader, tables),
       sequentialSegments(input),
-      progressiveSegments(input, plainReader, tables) {
+      progressiveSegments(input, plainReader, tables, kernels) {
     source->Begin();
     input.Attach(source);
     Guarded([this] { ReadToFrameHeader(); });

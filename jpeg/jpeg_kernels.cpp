@@ -13,6 +13,7 @@ constexpr JpegKernels kPortable = {
     .halfIdct = HalfIdctPortable,
     .buildBgr = {BuildGrayBgrPortable, BuildColourBgrPortable<1, 1>, BuildColourBgrPortable<2, 1>,
                  BuildColourBgrPortable<1, 2>, BuildColourBgrPortable<2, 2>},
+    .refineBlock = RefineBlockPortable,
 };
 
 // The sets, better ones behind, and how many of them this processor has.

@@ -3,6 +3,7 @@
 #include "jpeg/idct.h"
 #include "jpeg/jpeg_frame.h"
 #include "jpeg/pixel_rows.h"
+#include "jpeg/refine_block.h"
 
 #include <array>
 #include <cstddef>
@@ -28,10 +29,17 @@ struct JpegKernels {
     using BuildBgr = void (*)(const SampleLines& lines, int pixels, std::uint8_t* first,
                               std::uint8_t* second);
 
+    // Refines the band of one block of a progressive picture, or, within an end of band (counted
+    // down in endOfBandRun), only corrects it. Takes and leaves the cursor behind the block's bits.
+    // Returns false for data that can't be: what the block and the cursor are then is open.
+    using RefineBlock = bool (*)(const AcRefinement& scan, BitCursor& in,
+                                 std::uint32_t& endOfBandRun, const CoefficientBlock& block);
+
     const char* name;
     Idct fullIdct;
     Idct halfIdct;
     std::array<BuildBgr, kColourModes> buildBgr;  // by ColourMode
+    RefineBlock refineBlock;
 };
 
 // Every set that this processor can run: the portable one first, the best one last.

@@ -2,6 +2,7 @@
 
 #include "jpeg/entropy_state.h"
 #include "jpeg/jpeg_frame.h"
+#include "jpeg/jpeg_kernels.h"
 #include "jpeg/jpeg_tables.h"
 #include "jpeg/plain_bit_reader.h"
 #include "jpeg/progressive_scan.h"
@@ -23,10 +24,11 @@ class ProgressiveSegmentDecoder {
 public:
     // All arguments are borrowed.
     ProgressiveSegmentDecoder(JpegInput& newInput, PlainBitReader& newMarkerReader,
-                              const JpegTables& newTables)
+                              const JpegTables& newTables, const JpegKernels& newKernels)
         : input(newInput),
           markerReader(newMarkerReader),
           tables(newTables),
+          kernels(newKernels),
           reader(newInput, SegmentReader::Refills::By2Bytes) {}
 
     // Allocates the arrays of a prepared frame whose source stands in memory. Throws JpegFailure.
@@ -41,17 +43,13 @@ public:
                       std::int16_t* coefficients, std::uint8_t* ends) const;
 
 private:
-    struct Block {
-        std::int16_t* coefficients;  // 64, natural order
-        std::uint64_t* nonZero;      // bit k: the coefficient at zigzag position k isn't 0
-    };
     // The blocks of one component, row by row.
     struct Array {
         std::int16_t* coefficients = nullptr;
         std::uint64_t* nonZero = nullptr;
         int widthInBlocks = 0;
 
-        Block At(int row, int column) const {
+        CoefficientBlock At(int row, int column) const {
             const auto index = static_cast<std::ptrdiff_t>(row) * widthInBlocks + column;
             return {coefficients + index * kBlockSize, nonZero + index};
         }
@@ -70,6 +68,7 @@ private:
     JpegInput& input;
     PlainBitReader& markerReader;
     const JpegTables& tables;
+    const JpegKernels& kernels;
     SegmentReader reader;
     EntropyState state;
     ProgressiveLimits limits;

@@ -1,6 +1,7 @@
 #include "jpeg/simd/bgr_rows_simd.h"
 #include "jpeg/simd/idct_simd.h"
 #include "jpeg/simd/ops_avx2.h"
+#include "jpeg/simd/refine_block_bmi2.h"
 #include "jpeg/simd/simd_kernels.h"
 
 namespace marvolen {
@@ -14,6 +15,7 @@ const JpegKernels kAvx2JpegKernels = {
     .buildBgr = {simd::BuildBgr<Avx2Ops, 0, 1>, simd::BuildBgr<Avx2Ops, 1, 1>,
                  simd::BuildBgr<Avx2Ops, 2, 1>, simd::BuildBgr<Avx2Ops, 1, 2>,
                  simd::BuildBgr<Avx2Ops, 2, 2>},
+    .refineBlock = RefineBlock<Bmi2RefineOps>,
 };
 
 }  // namespace marvolen

@@ -14,6 +14,7 @@ const JpegKernels kNeonJpegKernels = {
     .buildBgr = {simd::BuildBgr<NeonOps, 0, 1>, simd::BuildBgr<NeonOps, 1, 1>,
                  simd::BuildBgr<NeonOps, 2, 1>, simd::BuildBgr<NeonOps, 1, 2>,
                  simd::BuildBgr<NeonOps, 2, 2>},
+    .refineBlock = RefineBlockPortable,
 };
 
 }  // namespace marvolen

@@ -14,6 +14,7 @@ const JpegKernels kSse2JpegKernels = {
     .buildBgr = {simd::BuildBgr<Sse2Ops, 0, 1>, simd::BuildBgr<Sse2Ops, 1, 1>,
                  simd::BuildBgr<Sse2Ops, 2, 1>, simd::BuildBgr<Sse2Ops, 1, 2>,
                  simd::BuildBgr<Sse2Ops, 2, 2>},
+    .refineBlock = RefineBlockPortable,
 };
 
 }  // namespace marvolen
