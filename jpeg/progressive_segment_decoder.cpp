@@ -194,8 +194,11 @@ void ProgressiveSegmentDecoder::AcRefine(const JpegFrame& frame, const JpegScan&
     const HuffmanTable& table = *tables.huffman[slot].derived;
     const AcRefinement refinement = {&table, scan.spectralStart, scan.spectralEnd,
                                      ShiftLeft(1, scan.approximationLow)};
+    const std::uint64_t band = BitsBetween(scan.spectralStart, scan.spectralEnd);
     ForEachBlock(frame, scan, [&](BitCursor& in, std::size_t, const CoefficientBlock& block) {
-        if (!kernels.refineBlock(refinement, in, state.endOfBandRun, block)) {
+        if (state.endOfBandRun > 0 && (*block.nonZero & band) == 0) {
+            --state.endOfBandRun;
+        } else if (!kernels.refineBlock(refinement, in, state.endOfBandRun, block)) {
             Fail(kJpegErrorCorrupt);
         }
     });

@@ -48,17 +48,12 @@ inline std::uint64_t ReadCorrections(BitCursor& in, std::uint64_t places) {
 }
 
 inline void Apply(const Refined& refined, std::int16_t step, const CoefficientBlock& block) {
-    const auto at = [&](std::uint64_t places) -> std::int16_t& {
-        return block.coefficients[kNaturalOrder.data()[__builtin_ctzll(places)]];
-    };
-    for (std::uint64_t left = refined.grown; left != 0; left &= left - 1) {
-        std::int16_t& coefficient = at(left);
-        const int sign = (coefficient >> 15) | 1;
-        coefficient = static_cast<std::int16_t>(coefficient + sign * step);
-    }
-    for (std::uint64_t left = refined.added; left != 0; left &= left - 1) {
-        const bool negative = (refined.addedNegative & left & (0 - left)) != 0;
-        at(left) = static_cast<std::int16_t>(negative ? -step : step);
+    for (std::uint64_t left = refined.grown | refined.added; left != 0; left &= left - 1) {
+        const int k = __builtin_ctzll(left);
+        std::int16_t& coefficient = block.coefficients[kNaturalOrder.data()[k]];
+        // Either has its sign from one of the two: a coefficient that is added was 0.
+        const int negative = static_cast<int>(refined.addedNegative >> k & 1) | (coefficient < 0);
+        coefficient = static_cast<std::int16_t>(coefficient + (step ^ -negative) + negative);
     }
     *block.nonZero |= refined.added;
 }
