@@ -1,4 +1,5 @@
-// Every file of the corpus on both paths, whole, in pieces, and into a bitmap.
+// Every file of the corpus on both paths, whole, in pieces, and into a bitmap with every set of
+// kernels.
 //
 // To add one: put NAME.jpg into corpus/ and run jpeg_test. It fails and prints the line for
 // corpus/index.txt; make sure by other means that the result is right, and say in the line why the
@@ -8,6 +9,7 @@
 
 #include "jpeg/dib_image.h"
 #include "jpeg/jpeg_decoder.h"
+#include "jpeg/jpeg_kernels.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -99,7 +101,19 @@ std::string DecodeEveryWay(const Bytes& jpeg, JpegPath path) {
     for (const int portion : {1, 4095}) {
         EXPECT_EQ(Decode(jpeg, path, portion).ToString(), whole.ToString()) << "in pieces";
     }
-    ExpectSameBitmap(jpeg, path, whole);
+    std::uint32_t half = 0;
+    for (const JpegKernels* kernels : AvailableJpegKernels()) {
+        SCOPED_TRACE(kernels->name);
+        ForceJpegKernels(kernels);
+        ExpectSameBitmap(jpeg, path, whole);
+        DibImage image;
+        image.DecodeJpeg(jpeg.data(), jpeg.size(), path, JpegScale::Half);
+        const std::uint8_t* const pixels = image.GetPixels();
+        const std::uint32_t digest = Digest({pixels, pixels + image.GetHeader().biSizeImage});
+        if (kernels == AvailableJpegKernels().front()) half = digest;
+        EXPECT_EQ(digest, half);
+    }
+    ForceJpegKernels(nullptr);
     return whole.ToString();
 }
 
