@@ -103,19 +103,18 @@ struct Sse2Ops {
         const __m128i d0 = _mm_or_si128(_mm_and_si128(low, w0), _mm_slli_epi32(w1, 16));
         const __m128i d1 = _mm_or_si128(_mm_and_si128(low, w2), _mm_andnot_si128(low, w0));
         const __m128i d2 = _mm_or_si128(_mm_srli_epi32(w1, 16), _mm_andnot_si128(low, w2));
-        const auto join = [](__m128i a, __m128i b, auto places) {
-            return _mm_castps_si128(
-                _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), places()));
-        };
-        constexpr auto k0011 = [] { return _MM_SHUFFLE(1, 1, 0, 0); };
-        constexpr auto k2233 = [] { return _MM_SHUFFLE(3, 3, 2, 2); };
-        constexpr auto k0102 = [] { return _MM_SHUFFLE(2, 0, 1, 0); };
-        constexpr auto k2301 = [] { return _MM_SHUFFLE(1, 0, 3, 2); };
-        constexpr auto k0223 = [] { return _MM_SHUFFLE(3, 2, 2, 0); };
         auto* const out = reinterpret_cast<__m128i*>(to);
-        _mm_storeu_si128(out, join(Low32(d0, d1), join(d2, d0, k0011), k0102));
-        _mm_storeu_si128(out + 1, join(Low32(d1, d2), High32(d0, d1), k2301));
-        _mm_storeu_si128(out + 2, join(join(d2, d0, k2233), High32(d1, d2), k0223));
+        _mm_storeu_si128(out, Join<0, 1, 0, 2>(Low32(d0, d1), Join<0, 0, 1, 1>(d2, d0)));
+        _mm_storeu_si128(out + 1, Join<2, 3, 0, 1>(Low32(d1, d2), High32(d0, d1)));
+        _mm_storeu_si128(out + 2, Join<0, 2, 2, 3>(Join<2, 2, 3, 3>(d2, d0), High32(d1, d2)));
+    }
+
+private:
+    // Places i and j of a, then k and l of b.
+    template <int i, int j, int k, int l>
+    static __m128i Join(__m128i a, __m128i b) {
+        return _mm_castps_si128(
+            _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(l, k, j, i)));
     }
 };
 
