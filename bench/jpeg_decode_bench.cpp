@@ -1,128 +1,142 @@
-// Decoding a camera picture to a bottom-up B, G, R bitmap: DibImage against libjpeg-turbo with its
-// fast DCT and fast upsampling, in one run. The last lines give the speed of ours as a share of it.
+// Decoding camera pictures to bottom-up B, G, R bitmaps: DibImage against libjpeg-turbo with its
+// fast DCT and fast upsampling, and against libavcodec with swscale, in one run.
+//
+//   jpeg_decode_bench [--turns N] [--kernels NAME] [FOLDER]
+//
+// FOLDER holds a folder of JPEG files for each kind of picture (scripts/make_frames.sh makes it);
+// without it made-up photographs are decoded. All decoders take turns of one pass over a kind's
+// pictures. A line a kind tells our processor time a picture and its share of each peer's, the
+// median of all turns: below 1 is faster than the peer. Any set of kernels that the processor can
+// run may be named.
 
+#include "bench/alternate.h"
+#include "bench/peer_decoders.h"
 #include "bench/photograph.h"
 #include "jpeg/dib_image.h"
+#include "jpeg/jpeg_kernels.h"
 
-#include <benchmark/benchmark.h>
-#include <cstddef>
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
-#include <map>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
 #include <string>
-#include <turbojpeg.h>
-#include <utility>
 #include <vector>
 
+namespace marvolen {
 namespace {
 
+namespace fs = std::filesystem;
 using Bytes = std::vector<std::uint8_t>;
 
-struct Sample {
+struct Kind {
     std::string name;
-    Bytes jpeg;
-    int width;
-    int height;
+    std::vector<Bytes> pictures;
 };
 
-// 704 x 480 4:2:0 of about 35, 50 and 70 KB, and the smaller sizes a camera sends.
-const std::vector<Sample>& Samples() {
-    static const std::vector<Sample> samples = [] {
-        std::vector<Sample> made;
-        const auto add = [&](int width, int height, int noise, int quality) {
-            const auto picture = marvolen::bench::MakePhotograph(width, height, noise);
-            Bytes jpeg = marvolen::bench::EncodeJpeg(picture, quality);
-            std::string name = std::to_string(width) + "x" + std::to_string(height) + "/" +
-                               std::to_string((jpeg.size() + 512) / 1024) + "KB";
-            made.push_back({std::move(name), std::move(jpeg), width, height});
-        };
-        add(704, 480, 6, 60);
-        add(704, 480, 6, 75);
-        add(704, 480, 6, 85);
-        add(352, 240, 6, 75);
-        return made;
-    }();
-    return samples;
+void Require(bool holds, const std::string& what) {
+    if (holds) return;
+    std::fprintf(stderr, "jpeg_decode_bench: %s\n", what.c_str());
+    std::exit(1);
 }
 
-void SetCounters(benchmark::State& state, const Sample& sample) {
-    state.SetItemsProcessed(state.iterations());
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(sample.jpeg.size()));
+std::vector<Kind> MadeUpKinds() {
+    std::vector<Kind> kinds;
+    for (const auto& [width, height, quality] :
+         {std::array{704, 480, 60}, {704, 480, 75}, {704, 480, 85}, {352, 240, 75}}) {
+        Kind& kind = kinds.emplace_back();
+        kind.name = std::to_string(width) + "x" + std::to_string(height) + "-420-q" +
+                    std::to_string(quality);
+        for (unsigned seed = 0; seed < 4; ++seed) {
+            const bench::Picture picture = bench::MakePhotograph(width, height, 6, seed);
+            kind.pictures.push_back(bench::EncodeJpeg(picture, quality));
+        }
+    }
+    return kinds;
 }
 
-void DecodeOurs(benchmark::State& state, const Sample& sample) {
-    marvolen::DibImage image;
-    for (auto _ : state) {
-        if (image.DecodeJpeg(sample.jpeg.data(), sample.jpeg.size()) != 1) {
-            state.SkipWithError("not decoded");
-            break;
+std::vector<Kind> LoadKinds(const fs::path& folder) {
+    std::vector<Kind> kinds;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (!entry.is_directory()) continue;
+        Kind kind{entry.path().filename().string(), {}};
+        for (const auto& file : fs::directory_iterator(entry)) {
+            std::ifstream in(file.path(), std::ios::binary);
+            kind.pictures.emplace_back(std::istreambuf_iterator<char>(in),
+                                       std::istreambuf_iterator<char>());
         }
-        benchmark::DoNotOptimize(image.GetPixels());
+        if (!kind.pictures.empty()) kinds.push_back(std::move(kind));
     }
-    SetCounters(state, sample);
+    std::sort(kinds.begin(), kinds.end(),
+              [](const Kind& a, const Kind& b) { return a.name < b.name; });
+    Require(!kinds.empty(), "no pictures in " + folder.string());
+    return kinds;
 }
 
-void DecodeTurbo(benchmark::State& state, const Sample& sample) {
-    const tjhandle decoder = tjInitDecompress();
-    const int stride = static_cast<int>(marvolen::DibImage::StrideOf(sample.width));
-    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride * sample.height));
-    constexpr int kFlags = TJFLAG_FASTDCT | TJFLAG_FASTUPSAMPLE | TJFLAG_BOTTOMUP;
-    for (auto _ : state) {
-        if (tjDecompress2(decoder, sample.jpeg.data(),
-                          static_cast<unsigned long>(sample.jpeg.size()), pixels.data(),
-                          sample.width, stride, sample.height, TJPF_BGR, kFlags) != 0) {
-            state.SkipWithError("not decoded");
-            break;
-        }
-        benchmark::DoNotOptimize(pixels.data());
+void DecodeOurs(DibImage& image, const Kind& kind) {
+    for (const Bytes& jpeg : kind.pictures) {
+        Require(image.DecodeJpeg(jpeg.data(), jpeg.size()) == 1, "can't decode " + kind.name);
     }
-    tjDestroy(decoder);
-    SetCounters(state, sample);
 }
 
-// Remembers the times that it prints; of repetitions, the best.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
-            const double time = run.GetAdjustedCPUTime();
-            const auto [entry, isNew] = times.try_emplace(run.run_name.function_name, time);
-            if (!isNew && time < entry->second) entry->second = time;
-        }
+void Measure(const Kind& kind, int turns,
+             const std::vector<std::unique_ptr<bench::PeerDecoder>>& peers) {
+    DibImage image;
+    std::vector<double> times;
+    std::string ratios;
+    for (const auto& peer : peers) {
+        const bench::Turns taken = bench::Alternate(
+            turns, [&] { DecodeOurs(image, kind); },
+            [&] {
+                for (const Bytes& jpeg : kind.pictures) {
+                    Require(peer->Decode(jpeg), peer->Name() + (" can't decode " + kind.name));
+                }
+            });
+        times.insert(times.end(), taken.ours.begin(), taken.ours.end());
+        char text[32];
+        std::snprintf(text, sizeof text, "  %14.2f", taken.Ratio());
+        ratios += text;
     }
-    void PrintRatios() const {
-        for (const Sample& sample : Samples()) {
-            const auto ours = times.find("Marvolen/" + sample.name);
-            const auto turbo = times.find("Turbo/" + sample.name);
-            if (ours == times.end() || turbo == times.end()) continue;
-            std::printf("%s: %.2f of libjpeg-turbo's speed\n", sample.name.c_str(),
-                        turbo->second / ours->second);
-        }
-    }
+    std::printf("%-22s %9.3f%s\n", kind.name.c_str(),
+                bench::Median(times) * 1000 / double(kind.pictures.size()), ratios.c_str());
+    std::fflush(stdout);
+}
 
-private:
-    std::map<std::string, double> times;
-};
+void UseKernels(const char* name) {
+    for (const JpegKernels* kernels : AvailableJpegKernels()) {
+        if (std::strcmp(kernels->name, name) == 0) return ForceJpegKernels(kernels);
+    }
+    Require(false, std::string("no kernels named ") + name);
+}
+
+int Run(int argc, char** argv) {
+    int turns = 40;
+    const char* folder = nullptr;
+    for (int k = 1; k < argc; ++k) {
+        if (std::strcmp(argv[k], "--turns") == 0 && k + 1 < argc) {
+            turns = std::max(1, std::atoi(argv[++k]));
+        } else if (std::strcmp(argv[k], "--kernels") == 0 && k + 1 < argc) {
+            UseKernels(argv[++k]);
+        } else {
+            folder = argv[k];
+        }
+    }
+    std::vector<std::unique_ptr<bench::PeerDecoder>> peers;
+    peers.push_back(bench::MakeTurboDecoder());
+    if (auto peer = bench::MakeAvDecoder()) peers.push_back(std::move(peer));
+    std::printf("%-22s %9s", "decode", "ms");
+    for (const auto& peer : peers) std::printf("  %14s", peer->Name());
+    std::printf("\n");
+    for (const Kind& kind : folder ? LoadKinds(folder) : MadeUpKinds()) Measure(kind, turns, peers);
+    return 0;
+}
 
 }  // namespace
+}  // namespace marvolen
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    for (const Sample& sample : Samples()) {
-        const auto add = [&](const char* decoder,
-                             void (*decode)(benchmark::State&, const Sample&)) {
-            benchmark::RegisterBenchmark((decoder + sample.name).c_str(), decode, sample)
-                ->Unit(benchmark::kMicrosecond)
-                ->MinTime(0.2)
-                ->Repetitions(3);
-        };
-        add("Marvolen/", DecodeOurs);
-        add("Turbo/", DecodeTurbo);
-    }
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios();
-    return 0;
+    return marvolen::Run(argc, argv);
 }

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# install_dependencies.sh [checks]
+# install_dependencies.sh [checks|benchmark]
 # Installs the Debian packages that building, testing and demonstrating Marvolen needs; with "checks"
-# those of the sanitizer and fuzz presets and of the checks of the sources, too. Does nothing, and needs
-# no rights, when all of them are there.
+# those of the sanitizer and fuzz presets and of the checks of the sources, too, with "benchmark" those of
+# the benchmarks and long runs. Does nothing, and needs no rights, when all of them are there.
 set -euo pipefail
 
 packages=(
@@ -14,7 +14,8 @@ packages=(
 case ${1:-} in
   "") ;;
   checks) packages+=(clang clang-format clang-tidy libclang-rt-14-dev python3) ;;
-  *) echo "usage: $0 [checks]" >&2; exit 2 ;;
+  benchmark) packages+=(libavcodec-dev libswscale-dev libjpeg-turbo-progs openbox python3) ;;
+  *) echo "usage: $0 [checks|benchmark]" >&2; exit 2 ;;
 esac
 
 missing=()
