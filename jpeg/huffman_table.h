@@ -86,7 +86,7 @@ public:
         }
 
         // Of both: what to consume. 0 for a long one.
-        constexpr int Bits() const { return static_cast<std::uint8_t>(packed); }
+        constexpr int Bits() const { return static_cast<int>(packed & 63); }
         constexpr int FirstBits() const { return static_cast<std::uint8_t>(packed >> 24); }
         constexpr int Advance() const { return static_cast<std::uint8_t>(packed >> 8); }
         constexpr int Value() const { return static_cast<std::int16_t>(packed >> 32); }

@@ -106,20 +106,19 @@ inline int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* bloc
             in.Refill();
             continue;
         }
-        if (behindFirst < kBlockSize) {
-            // The second one fills the block, or ends it where the first one left it.
-            if (behind == kBlockSize) return kBlockSize;
-            if (behind < Pair::kEnd) Fail(kJpegErrorCorrupt);
-            return behindFirst;
+        // The end of the block, as the first symbol or as the second one.
+        if (behind > Pair::kEnd && behind < Pair::kEnd + kBlockSize) [[likely]] {
+            return behind - Pair::kEnd;
         }
-        if (entry.Advance() == Pair::kEnd) return position;
         if (entry.Advance() >= Pair::kLong) {
             position = DecodeLong(table, entry, in, block, position);
             if (position > Pair::kEnd) return position - Pair::kEnd;
             if (position == kBlockSize) return kBlockSize;
             continue;
         }
-        if (behindFirst > kBlockSize) Fail(kJpegErrorCorrupt);
+        // The second one fills the block.
+        if (behindFirst < kBlockSize && behind == kBlockSize) return kBlockSize;
+        if (behindFirst != kBlockSize) Fail(kJpegErrorCorrupt);
         // The first one fills the block; the second one belongs to the next.
         in.bits = bitsBefore << entry.FirstBits();
         in.count += static_cast<std::uint32_t>(entry.Bits() - entry.FirstBits());
