@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <random>
 #include <set>
 #include <sstream>
 
@@ -117,11 +118,63 @@ std::string DecodeEveryWay(const Bytes& jpeg, JpegPath path) {
     return whole.ToString();
 }
 
-TEST(CorpusTest, EveryFileDecodesAsItsLineSays) {
+std::set<std::string> CorpusFiles() {
     std::set<std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(JPEG_CORPUS)) {
         if (entry.path().extension() == ".jpg") files.insert(entry.path().stem());
     }
+    return files;
+}
+
+// Damages the data of the first scan, or cuts the stream there or in the scan header.
+void Damage(Bytes& jpeg, std::mt19937& random) {
+    constexpr std::uint8_t kStartOfScan[] = {0xFF, 0xDA};
+    const auto scan = std::search(jpeg.begin(), jpeg.end(), kStartOfScan, kStartOfScan + 2);
+    const std::ptrdiff_t length = jpeg.end() - scan - 14;
+    if (length <= 0) return;
+    const auto at = scan + 14 + static_cast<std::ptrdiff_t>(random()) % length;
+    const std::ptrdiff_t where = at - jpeg.begin();
+    const auto restart = static_cast<std::uint8_t>(0xD0 + random() % 8);
+    const std::uint8_t marker[] = {0xFF, random() % 2 == 0 ? restart : std::uint8_t{0}};
+    switch (random() % 8) {
+        case 0:
+            jpeg.erase(random() % 2 == 0 ? at : scan + 7 + restart % 8, jpeg.end());
+            break;
+        case 1:
+            jpeg.insert(at, marker, marker + 2);
+            break;
+        case 2:
+            // Longer than it should be, so that some is left when the restart comes.
+            for (auto more = random() % 8; more > 0; --more) {
+                jpeg.insert(jpeg.begin() + where, marker, marker + 2);
+            }
+            break;
+        case 3:
+            jpeg.erase(at);
+            break;
+        default:
+            *at = static_cast<std::uint8_t>(*at ^ 1U << random() % 8);
+            break;
+    }
+}
+
+// Damage leads into every corner, and there a stream in memory must go as one in pieces does.
+TEST(CorpusTest, DamagedFilesDecodeInMemoryAsInPieces) {
+    std::mt19937 random(11);
+    for (const std::string& name : CorpusFiles()) {
+        SCOPED_TRACE(name);
+        const Bytes sound = ReadCorpusFile(name);
+        const bool hasRestarts = name.find("restart") != std::string::npos;
+        for (int i = hasRestarts ? 150 : 15; i > 0 && !HasFailure(); --i) {
+            Bytes jpeg = sound;
+            for (auto times = 1 + random() % 3; times > 0; --times) Damage(jpeg, random);
+            ExpectSameBitmap(jpeg, JpegPath::Fast, Decode(jpeg, JpegPath::Fast, 4096));
+        }
+    }
+}
+
+TEST(CorpusTest, EveryFileDecodesAsItsLineSays) {
+    std::set<std::string> files = CorpusFiles();
     const auto check = [](const std::string& name, const std::string& expected) {
         SCOPED_TRACE(name);
         const std::string fast = DecodeEveryWay(ReadCorpusFile(name), JpegPath::Fast);
