@@ -1,9 +1,10 @@
 // Decodes whatever it is given, on each path from sources that hand out their bytes in portions of
-// different sizes, and into a DibImage: on one path all must see the same picture and the same
-// error.
+// different sizes, and from memory into a DibImage with every set of kernels: on one path all must
+// see the same picture and the same error.
 
 #include "jpeg/dib_image.h"
 #include "jpeg/jpeg_decoder.h"
+#include "jpeg/jpeg_kernels.h"
 #include "jpeg/jpeg_source.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ Outcome Decode(const std::uint8_t* data, std::size_t size, JpegPath path, std::p
     return outcome;
 }
 
-// The bitmap must hold the rows that came, and be black below.
+// The bitmap must hold the rows that came, and be black below. At half scale it must come as far.
 void CompareWithBitmap(const std::uint8_t* data, std::size_t size, JpegPath path,
                        const Outcome& expected) {
     marvolen::DibImage image;
@@ -82,6 +83,9 @@ void CompareWithBitmap(const std::uint8_t* data, std::size_t size, JpegPath path
     if (shown != expected.started || image.LastError() != expected.error) std::abort();
     if (!shown) return;
     if (image.Width() != expected.width || image.Height() != expected.height) std::abort();
+    marvolen::DibImage half;
+    half.DecodeJpeg(data, size, path, marvolen::JpegScale::Half);
+    if (half.LastError() != expected.error || half.Width() == 0) std::abort();
     const std::size_t rowBytes = 3 * static_cast<std::size_t>(expected.width);
     auto from = expected.bgr.begin();
     for (int y = image.Height() - 1; y >= 0; --y) {
@@ -102,7 +106,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const std::ptrdiff_t portion : {1, 13, 4095}) {
             if (!(Decode(data, size, path, portion) == whole)) std::abort();
         }
-        if (!whole.isLarge) CompareWithBitmap(data, size, path, whole);
+        for (const marvolen::JpegKernels* kernels : marvolen::AvailableJpegKernels()) {
+            marvolen::ForceJpegKernels(kernels);
+            if (!whole.isLarge) CompareWithBitmap(data, size, path, whole);
+        }
+        marvolen::ForceJpegKernels(nullptr);
     }
     return 0;
 }
