@@ -8,6 +8,9 @@
 // it is, it is copied. Weights are multiples of 1/256 that sum to 1: up to a reduction of 40 to 1
 // the result is within two levels of the exact one, beyond that some source pixels don't count.
 
+#include "display/axis_weights.h"
+#include "display/stretch_kernels.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -33,39 +36,24 @@ struct ScreenImage {
     bool Resize(int newWidth, int newHeight);
 };
 
-// How one axis is scaled: target pixel i is the sum of `taps` source pixels from first[i] on, with
-// weights[i * taps ...] in 1/256.
-struct AxisWeights {
-    int sourceSize = 0;
-    int targetSize = 0;
-    int taps = 0;
-    std::vector<std::int32_t> first;
-    std::vector<std::uint16_t> weights;
-
-    // Sizes at least 1. Does nothing when they are what they were.
-    void Prepare(int newSourceSize, int newTargetSize);
-};
-
-// A source row's share of a target row. Borrowed.
-struct WeightedRow {
-    const std::uint8_t* samples = nullptr;
-    std::uint16_t weight = 0;  // in 1/256
-};
-
 // Stretches pictures. Keeps its weights and rows, so that pictures of one size into places of one
 // size allocate nothing. One thread at a time uses an object.
 class Stretcher {
 public:
+    // With the best kernels for this processor, or others for tests and benchmarks.
+    explicit Stretcher(const StretchKernels& itsKernels = *AvailableStretchKernels().back())
+        : kernels(itsKernels) {}
+
     // Fills the whole target, whose size is the caller's choice, from the whole source. False when
     // the source is empty or memory is short; the target is then unspecified. An empty target is
     // filled at once.
     bool Stretch(const BottomUpPicture& source, ScreenImage& target);
 
 private:
-    void BlendRows(const BottomUpPicture& source, int targetRow);
-    void BlendColumns(std::uint32_t* targetRow) const;
+    void FindRows(const BottomUpPicture& source, int targetRow);
 
-    AxisWeights horizontal;
+    const StretchKernels& kernels;
+    ColumnWeights horizontal;
     AxisWeights vertical;
     std::vector<WeightedRow> rows;       // the source rows of one target row
     std::vector<std::uint16_t> blended;  // one row of samples, scaled vertically
