@@ -45,6 +45,8 @@ function(marvolen_test name)
   cmake_parse_arguments(ARG "QT;THREADS" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE marvolen_options ${ARG_LINK} GTest::gtest)
+  # A test runs once for every time it is compiled; what it tests is optimised as for users.
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
   if(ARG_QT)
     target_link_libraries(${name} PRIVATE marvolen_test_qt_main marvolen_qt_options)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
