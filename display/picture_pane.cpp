@@ -85,13 +85,20 @@ void PicturePane::RedrawTitle() {
 
 void PicturePane::RedrawPicture() {
     update(VideoRect());
-    if (RefreshTimeText()) update(ToQRect(kTimeRect));
+    const std::string* text = RefreshTimeText();
+    if (!text || *text == shownTime) return;
+    shownTime = *text;
+    update(ToQRect(kTimeRect));
 }
 
 // Returns the text to show, null when there is no time.
 const std::string* PicturePane::RefreshTimeText() {
     const SYSTEMTIME* time = timeGate.Time();
-    if (time) FormatTimeInto(*time, timeText);
+    if (time) {
+        FormatTimeInto(*time, timeText);
+    } else {
+        shownTime.clear();
+    }
     Q_EMIT titleChanged();
     return time ? &timeText : nullptr;
 }

@@ -103,6 +103,7 @@ private:
 
     TimeGate timeGate;  // timeValid, lastTime, minInterval
     std::string timeText;
+    std::string shownTime;  // what RedrawPicture last had drawn; empty once it may have gone
     QString name;
     std::uint32_t status = 0;
     QString trouble;

@@ -59,6 +59,39 @@ TEST_F(PanePictureTest, NameAndTimeKeepToTheirPlaces) {
     EXPECT_TRUE(Drawn().isEmpty());
 }
 
+// Counts the repaints that are for the time and nothing else of the strip.
+class TimeRepaints : public QObject {
+public:
+    int count = 0;
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::Paint) return false;
+        const QRegion region = static_cast<QPaintEvent*>(event)->region();
+        if (region.contains(QPoint(110, 10)) && !region.contains(QPoint(10, 10))) ++count;
+        return false;
+    }
+};
+
+TEST_F(PanePictureTest, TimeIsDrawnAgainWhenItIsAnotherOrHadGone) {
+    TimeRepaints repaints;
+    SYSTEMTIME time = kQuarterPast;
+    pane->installEventFilter(&repaints);
+    const auto show = [&](const QColor& colour, const SYSTEMTIME* stamp) {
+        EXPECT_TRUE(Show(colour, stamp));
+        QCoreApplication::processEvents();
+        return repaints.count;
+    };
+    EXPECT_EQ(show(Qt::red, &time), 1);
+    time.milliseconds = 40;
+    EXPECT_EQ(show(Qt::green, &time), 1);
+    time.second = 1;
+    EXPECT_EQ(show(Qt::red, &time), 2);
+    EXPECT_EQ(show(Qt::green, nullptr), 2);
+    pane->SetStatus(0, 0);
+    QCoreApplication::processEvents();
+    time.milliseconds = 80;
+    EXPECT_EQ(show(Qt::red, &time), 3);
+}
+
 // A chequered picture: one that is scaled, or moved by part of a pixel, would show gray.
 TEST_F(PanePictureTest, ImageReachesTheScreenPixelForPixelAtEveryScale) {
     const PixelRect video = ToDevicePixels(VideoArea(360, 100), 0, 0, pane->devicePixelRatioF());
