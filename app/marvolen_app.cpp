@@ -1,6 +1,7 @@
 #include "app/marvolen_app.h"
 
 #include "app/marvolen_dlg.h"
+#include "app/run_statistics.h"
 #include "config/settings_file.h"
 #include "platform/dialog.h"
 #include "platform/termination.h"
@@ -21,6 +22,7 @@ bool CMarvolenApp::InitInstance() {
     }
     CMarvolenDlg window;
     mainWindow = &window;
+    const auto statistics = RunStatistics::FromEnvironment(window);
     // Modal dialogs over the main window end first.
     const TerminationWatcher watcher([] { QApplication::closeAllWindows(); });
     window.DoModal();

@@ -44,7 +44,9 @@ void VideoPane::Deliver(FramePtr frame) {
 }
 
 void VideoPane::AcceptImage() {
-    if (drawThread.AcceptImage()) RedrawPicture();
+    if (!drawThread.AcceptImage()) return;
+    ++shownCount;
+    RedrawPicture();
 }
 
 // Tells the drawing thread what the pane looks like now. Where that is news, the picture on the

@@ -58,6 +58,9 @@ public:
     // and forwards the frame.
     void Deliver(FramePtr frame) override;
 
+    // Pictures that came to be seen since the pane was made.
+    std::uint64_t ShownCount() const { return shownCount; }
+
     // One of the panes to choose from.
     QAccessible::Role AccessibleRole() const override { return QAccessible::ListItem; }
 
@@ -86,7 +89,8 @@ private:
     void PublishView();
 
     QPointer<CPopupInfoDlg> popup;  // owned; the pointer notices when the parent goes first
-    QPointer<QWidget> topLevel;     // the window whose minimising is watched
+    std::uint64_t shownCount = 0;
+    QPointer<QWidget> topLevel;  // the window whose minimising is watched
 
     DrawingThread drawThread;  // last: it ends before what it reports to
 };

@@ -73,9 +73,13 @@ void ChannelRecorder::Close(CloseFlag) {
 
 void ChannelRecorder::Deliver(FramePtr frame) {
     ++frameCount;
+    ++counts.received;
     if (!recording || !frame->Time()) return;
+    ++counts.due;
     Forward(std::move(frame));
-    if (writer) NoteTrouble(writer->Trouble());
+    if (!writer) return;
+    if (writer->Trouble() == RecordTrouble::None) ++counts.recorded;
+    NoteTrouble(writer->Trouble());
 }
 
 void ChannelRecorder::NoteTrouble(RecordTrouble now) {

@@ -30,6 +30,13 @@ enum class CloseFlag : std::int32_t {
     Ordered = 1,  // the program wants it closed
 };
 
+// Frames of a channel since the program's start.
+struct FrameCounts {
+    std::uint64_t received = 0;
+    std::uint64_t due = 0;       // those that had a time while the channel was recording
+    std::uint64_t recorded = 0;  // those of them that were written
+};
+
 class ChannelRecorder : public FrameReceiver, public ChannelLink {
 public:
     // Closed.
@@ -54,6 +61,9 @@ public:
 
     // Frames that reached the recorder since the last call; 0 while closed.
     std::uint32_t TakeFrameCount();
+
+    // All frames so far, those before the last Open included.
+    const FrameCounts& Counts() const { return counts; }
 
     // Between a successful Open and Close.
     bool IsOpen() const { return opened; }
@@ -88,6 +98,7 @@ private:
     std::unique_ptr<RecordWriter> writer;  // null while closed
     bool recording = false;                // frames are written
     std::uint32_t frameCount = 0;          // since the last TakeFrameCount
+    FrameCounts counts;
     bool opened = false;
     RecordTrouble trouble = RecordTrouble::None;
     std::function<void(RecordTrouble)> troubleHandler;

@@ -1,6 +1,8 @@
 #include "app/marvolen_dlg.h"
 
 #include "app/about_dlg.h"
+#include "app/run_statistics.h"
+#include "platform/native_path.h"
 #include "playback/playback_dlg.h"
 #include "settings/channel_page_dlg.h"
 #include "settings/channel_setting_dlg.h"
@@ -10,6 +12,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QTimer>
 
@@ -75,6 +78,43 @@ TEST_F(MainWindow, StartsAndStopsLeaveNothingBehind) {
         left.emplace(test::OpenDescriptors(), test::Threads());
     }
     EXPECT_EQ(left.size(), 1U) << "more each time, or less";
+}
+
+// What is counted as recorded is what the file has, through a reconnect, too.
+TEST_F(MainWindow, StatisticsTellWhatIsReceivedShownAndRecorded) {
+    Open();
+    RunStatistics statistics(*window, "statistics.csv");
+    const FrameCounts& counts = window->Channels().Recorder(4).Counts();
+    EXPECT_TRUE(WaitUntil([&] { return counts.received > 0; }));
+    EXPECT_EQ(counts.due, 0U);
+    window->Channels().SetRecording(4, true);
+    EXPECT_TRUE(WaitUntil([&] { return counts.recorded > 2; }));
+    server.Drop(4);
+    const std::uint64_t before = counts.recorded;
+    EXPECT_TRUE(WaitUntil([&] {
+        Tick(5s);
+        return counts.recorded > before + 2 && window->Pane(4).ShownCount() > 1;
+    }));
+    window->Channels().StopAllChannels(CloseFlag::Ordered);
+    statistics.WriteLine();
+    QFile csv(QStringLiteral("statistics.csv"));
+    ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(csv.readAll()).split(u'\n');
+    const QStringList names = lines.first().split(u',');
+    const QStringList values = lines.at(lines.size() - 2).split(u',');
+    ASSERT_EQ(names.size(), 3 + 4 * kChannelCount);
+    ASSERT_EQ(values.size(), names.size());
+    const auto value = [&](const char* name) {
+        return values[names.indexOf(QLatin1String(name))].toULongLong();
+    };
+    RecordFile file;
+    ASSERT_TRUE(file.OpenForRead(NativePath(FieldText(Info(4).recordPath))));
+    EXPECT_EQ(value("recorded5"), file.RecordCount());
+    EXPECT_EQ(value("due5"), counts.recorded);
+    EXPECT_EQ(value("received5"), counts.received);
+    EXPECT_EQ(value("shown5"), window->Pane(4).ShownCount());
+    EXPECT_EQ(value("recorded6"), 0U);
+    EXPECT_GE(value("log_rows"), 17U);
 }
 
 // An ordinary window to the window manager, with its frame within what the desktop leaves; at every
