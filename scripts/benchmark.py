@@ -11,6 +11,8 @@ import subprocess
 import sys
 import tempfile
 
+from benchmark_program import program
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BIN = ROOT / "build/release/bin"
 FRAMES = ROOT / "build/frames"
@@ -97,7 +99,7 @@ def append(table, quick):
             1 / result["ratio"], us_a_frame=result["us_per_frame"])
 
 
-SECTIONS = {"decoder": decoder, "parser": parser, "append": append}
+SECTIONS = {"decoder": decoder, "parser": parser, "append": append, "program": program}
 
 
 def machine():
