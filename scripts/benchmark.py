@@ -89,6 +89,12 @@ def parser(table, quick):
     table.row("parse a camera stream", "memcpy").add(float(ratio), **{"GB/s": float(speed)})
 
 
+def stretch(table, quick):
+    text = output(BIN / "stretch_bench", "--turns", 60 if quick else 200)
+    for sizes, micros, ratio, peer in re.findall(r"(\d.*): \w+ ([\d.]+) us, ([\d.]+) of (\w+)", text):
+        table.row(f"stretch {sizes}", peer).add(float(ratio), us=float(micros))
+
+
 def append(table, quick):
     with tempfile.TemporaryDirectory(dir=ROOT / "build") as folder:
         report = json.loads(output(BIN / "record_bench", "--benchmark_filter=AppendAgainst",
@@ -99,7 +105,7 @@ def append(table, quick):
             1 / result["ratio"], us_a_frame=result["us_per_frame"])
 
 
-SECTIONS = {"decoder": decoder, "parser": parser, "append": append, "program": program}
+SECTIONS = {"decoder": decoder, "parser": parser, "stretch": stretch, "append": append, "program": program}
 
 
 def machine():

@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install_dependencies.sh benchmark
 cmake --preset release >/dev/null
-benches=(jpeg_decode_bench parser_bench record_bench)
+benches=(jpeg_decode_bench parser_bench stretch_bench record_bench)
 cmake --build --preset release --target marvolen camera_server "${benches[@]}" >/dev/null
 scripts/make_frames.sh build/frames
 exec python3 scripts/benchmark.py "$@"
