@@ -144,7 +144,7 @@ def large(table, seconds):
 
 
 def program(table, quick):
-    seconds = 8 if quick else 20
+    seconds = 8 if quick else 10
     for channels in [16] if quick else [1, 4, 8, 16]:
         usual(table, seconds, channels, quick)
     if not quick:
