@@ -75,7 +75,10 @@ TEST(HalfScale, LooksLikeTheWholePictureAndServesWhereThatIsTwiceAsLarge) {
             ASSERT_TRUE(DecodeJpegFrame(shown, jpeg, {true, pane.width(), pane.height()}));
             EXPECT_EQ(QSize(shown.Width(), shown.Height()), half ? size / 2 : size);
             const double mean = Difference(Stretched(whole, pane), Stretched(shown, pane));
-            EXPECT_LE(mean, half ? 2.0 : 0.0)
+            // At exactly half the size nothing but rounding and clamping is left, in chroma, too.
+            EXPECT_LE(mean, !half              ? 0.0
+                            : pane == size / 2 ? 0.7
+                                               : 2.0)
                 << kind.name << ' ' << size.width() << " to " << pane.width();
         }
     }
