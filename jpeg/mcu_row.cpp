@@ -7,7 +7,9 @@ namespace marvolen {
 void McuRow::Allocate(const JpegFrame& frame, JpegScale scale, AllocationTable& allocations) {
     const int group = GroupOf(frame.colourMode);
     const int mcus = (frame.mcusPerRow + group - 1) / group * group;
-    const auto entries = static_cast<std::size_t>(mcus * frame.blocksPerMcu * kBlockSize);
+    const auto blocks =
+        static_cast<std::size_t>(mcus) * static_cast<std::size_t>(frame.blocksPerMcu);
+    const std::size_t entries = blocks * kBlockSize;
     outputMode = frame.colourMode;
     blockEdges.fill(scale == JpegScale::Half ? 4 : 8);
     if (scale == JpegScale::Half && frame.colourMode == ColourMode::Y2x2) {
