@@ -2,6 +2,8 @@
 
 #include "record/record_file.h"
 
+#include "record/uncounted_entries.h"
+
 #include <algorithm>
 
 namespace marvolen {
@@ -9,6 +11,7 @@ namespace marvolen {
 void RecordFile::Reset() {
     CloseWriter();
     writeChunkDirty = false;
+    slotIsStale = false;
     transferFailed = false;
     readChunk = {};
     cursor = 0;
@@ -65,8 +68,9 @@ bool RecordFile::ReadChunkHeader(ChunkHeader& destination) {
 bool RecordFile::ReadChunk(std::uint64_t pos, ChunkBlock& destination) {
     if (!ring.Holds(pos) || !Seek(pos) || !ReadAll(&destination, sizeof destination)) return false;
     ChunkHeader& read = destination.header;
-    read.next = SuccessorOf(read, pos, ring);
-    return read.magic == kChunkMagic && read.self == pos && read.count <= kChunkEntries;
+    if (read.magic != kChunkMagic || read.self != pos || read.count > kChunkEntries) return false;
+    TakeUpEntries(destination, ring, GetHead());
+    return true;
 }
 
 // The stored maximum ends the ring, unless the file is shorter: a ring that was wrapped when its
@@ -84,7 +88,13 @@ bool RecordFile::ReadChain(std::vector<std::uint64_t>& chain) {
         ChunkHeader chunk;
         if (!Seek(pos) || !ReadChunkHeader(chunk)) return false;
         chain.push_back(pos);
-        const std::uint64_t next = SuccessorOf(chunk, pos, ring);
+        if (chunk.count < kChunkEntries) {
+            ChunkBlock block;
+            // An unsound one is somebody else's to tell about: it ends the chain.
+            if (!ReadChunk(pos, block)) return !transferFailed;
+            chunk = block.header;
+        }
+        const std::uint64_t next = chunk.next;
         if (next == 0) return true;
         if (!ring.Holds(next)) return false;
         const std::uint64_t step = ring.Distance(pos, next);

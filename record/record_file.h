@@ -58,8 +58,8 @@ public:
     // then goes where this one would have.
     bool WriteFrame(const VideoFrame& frame);
 
-    // Writes back the index block and the header, then closes. Nothing else makes the newest
-    // records known to the file.
+    // Writes back the index block and the header, then closes. A file that isn't closed has its
+    // records all the same: whoever opens it next finds the entries that aren't counted yet.
     void CloseWriter();
 
     // What the latest CreateNew, OpenAppend, OpenOrCreateNew or WriteFrame failed on; None after
@@ -120,6 +120,8 @@ private:
                          std::uint64_t& end);
     std::uint64_t RoomBeforeOwnBlock();
     bool MakeRoom(std::uint32_t length);
+    bool CompleteLink(const std::vector<std::uint64_t>& chain);
+    bool WriteEntry();
     bool AppendRecord(const void* data, std::uint32_t length, const SYSTEMTIME& stamp);
     bool StartChunk(Former former);
     std::uint64_t SuccessorOfHead();
@@ -128,6 +130,7 @@ private:
 
     ChunkBlock writeChunk{};       // the newest chunk, as it is to lie in the file
     bool writeChunkDirty = false;  // differs from the file
+    bool slotIsStale = false;      // in the file, the one behind the counted entries isn't zero
     ChunkBlock readChunk{};
     std::uint32_t cursor = 0;              // the current record's entry in readChunk
     std::vector<std::uint64_t> chunkList;  // chunk positions, oldest first; readers only

@@ -1,6 +1,7 @@
 // The reading side of a record file.
 
 #include "record/record_file.h"
+#include "record/uncounted_entries.h"
 
 #include <algorithm>
 #include <limits>
@@ -45,10 +46,11 @@ bool RecordFile::LoadChunk(std::uint64_t pos, std::uint32_t entry) {
 
 std::uint32_t RecordFile::RecordCount() {
     if (chunkList.empty()) return 0;
-    ChunkHeader newest;
-    if (!Seek(chunkList.back()) || !ReadChunkHeader(newest)) return 0;
-    // A count that no block can have leaves the newest chunk out.
-    const std::uint64_t inNewest = newest.count <= kChunkEntries ? newest.count : 0;
+    ChunkBlock newest;
+    // One that can't be used leaves the newest chunk out.
+    const bool usable = ReadChunk(chunkList.back(), newest);
+    if (!usable && transferFailed) return 0;
+    const std::uint64_t inNewest = usable ? newest.header.count : 0;
     return static_cast<std::uint32_t>(
         std::min<std::uint64_t>((chunkList.size() - 1) * kChunkEntries + inNewest,
                                 std::numeric_limits<std::uint32_t>::max()));

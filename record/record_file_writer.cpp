@@ -69,14 +69,32 @@ bool RecordFile::GoOn(std::uint64_t newMaxSize) {
     // Its header was there a moment ago.
     if (GetSize() < sizeof(RingHeader)) transferFailed = true;
     std::vector<std::uint64_t> chain;
-    if (!ReadChain(chain) || !ReadChunk(chain.back(), writeChunk)) return false;
+    if (!ReadChain(chain) || !CompleteLink(chain) || !ReadChunk(chain.back(), writeChunk)) {
+        return false;
+    }
     std::uint64_t end = DropLostRecords();
-    return AdoptMaxSize(newMaxSize, chain, end) && SetLimited(true) && Seek(end);
+    if (!AdoptMaxSize(newMaxSize, chain, end) || !SetLimited(true)) return false;
+    return FlushChunkUnwatched() && Seek(end);
+}
+
+// A link that the program before this one was about to make counts, for its chunk is full; but its
+// header doesn't say so yet.
+bool RecordFile::CompleteLink(const std::vector<std::uint64_t>& chain) {
+    if (chain.size() < 2) return true;
+    const std::uint64_t former = chain[chain.size() - 2];
+    ChunkHeader stored;
+    if (!Seek(former) || !ReadChunkHeader(stored)) return false;
+    if (stored.count == kChunkEntries) return true;
+    if (!ReadChunk(former, writeChunk)) return false;
+    blockEnd = ring.End();
+    writeChunkDirty = true;
+    return FlushChunk();
 }
 
 // Entries whose data isn't in the file, as after a power failure, are no records. At the end of the
 // newest chunk's index they are dropped, since their place is about to be written to. Returns where
-// that is: behind the remaining data, in the ring as it was written.
+// that is: behind the remaining data, in the ring as it was written. The block is then to be
+// written back.
 std::uint64_t RecordFile::DropLostRecords() {
     ChunkHeader& newest = writeChunk.header;
     const std::uint64_t room = ring.Size() - ring.Distance(GetHead(), newest.self);
@@ -90,10 +108,11 @@ std::uint64_t RecordFile::DropLostRecords() {
         used = std::max(used, offset + entry.length);
         kept = k + 1;
     }
-    if (kept != newest.count) {
-        newest.count = kept;
-        writeChunkDirty = true;
-    }
+    newest.count = kept;
+    // Whatever the slots behind hold must not be taken for entries once others stand before it; and
+    // what was taken up is counted.
+    std::fill(writeChunk.entries.begin() + kept, writeChunk.entries.end(), IndexEntry{});
+    writeChunkDirty = true;
     blockEnd = ring.End();
     return ring.Advance(newest.self, used);
 }
@@ -158,14 +177,42 @@ bool RecordFile::FailToWrite() {
 
 bool RecordFile::AppendRecord(const void* data, std::uint32_t length, const SYSTEMTIME& stamp) {
     const std::uint64_t pos = Tell();
-    writeChunk.entries[writeChunk.header.count] = {pos, length, stamp};
-    if (!WriteAll(data, length)) {
-        Seek(pos);  // the next record begins where this one would have
-        return FailToWrite();
+    IndexEntry& entry = writeChunk.entries[writeChunk.header.count];
+    // An entry that a failed write left in the slot would name what is about to be overwritten.
+    if (slotIsStale && !(entry = {}, WriteEntry())) return FailToWrite();
+    slotIsStale = false;
+    if (WriteAll(data, length)) {
+        entry = {pos, length, stamp};
+        slotIsStale = !WriteEntry();
+        if (!slotIsStale) {
+            ++writeChunk.header.count;
+            writeChunkDirty = true;
+            return true;
+        }
     }
-    ++writeChunk.header.count;
-    writeChunkDirty = true;
-    return true;
+    Seek(pos);  // the next record begins where this one would have
+    return FailToWrite();
+}
+
+// Puts the entry behind the counted ones into its slot. Where that is written in pieces, its
+// position goes last, so that part of it is no entry. Leaves the position anywhere.
+bool RecordFile::WriteEntry() {
+    constexpr std::uint32_t kPageSize = 4096;
+    constexpr std::uint32_t kBehindPos = offsetof(IndexEntry, length);
+    const std::uint32_t offset =
+        offsetof(ChunkBlock, entries) + writeChunk.header.count * std::uint32_t{sizeof(IndexEntry)};
+    const RingGeometry blockRing(blockEnd);
+    const std::uint64_t pos = blockRing.Advance(writeChunk.header.self, offset);
+    const bool inOnePiece = pos % kPageSize <= kPageSize - sizeof(IndexEntry) &&
+                            blockRing.End() - pos >= sizeof(IndexEntry);
+    const std::uint64_t saved = Tell();
+    SetWatch(false);
+    const bool written = inOnePiece
+                             ? WriteInBlock(offset, sizeof(IndexEntry))
+                             : WriteInBlock(offset + kBehindPos, sizeof(IndexEntry) - kBehindPos) &&
+                                   WriteInBlock(offset, kBehindPos);
+    SetWatch(true);
+    return Seek(saved) && written;
 }
 
 void RecordFile::CloseWriter() {
@@ -194,8 +241,7 @@ bool RecordFile::MakeRoom(std::uint32_t length) {
 bool RecordFile::StartChunk(Former former) {
     const std::uint64_t start = Tell();
     const std::uint64_t prev = former == Former::kLinked ? writeChunk.header.self : 0;
-    ChunkBlock fresh = writeChunk;  // unused entries have no meaning
-    fresh.header = EmptyChunk(start, prev);
+    const ChunkBlock fresh{EmptyChunk(start, prev), {}};
 
     writeChunk.header.next = start;
     bool done = WriteAll(&fresh, sizeof fresh);
@@ -219,8 +265,9 @@ bool RecordFile::StartChunk(Former former) {
 }
 
 void RecordFile::InitChunk(std::uint64_t pos, std::uint64_t prev) {
-    writeChunk.header = EmptyChunk(pos, prev);
+    writeChunk = {EmptyChunk(pos, prev), {}};
     writeChunkDirty = true;
+    slotIsStale = false;
     blockEnd = ring.End();
 }
 

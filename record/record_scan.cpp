@@ -1,5 +1,7 @@
 #include "record/record_scan.h"
 
+#include "record/uncounted_entries.h"
+
 #include <algorithm>
 
 namespace marvolen {
@@ -41,7 +43,7 @@ RecordScan::Step RecordScan::Next(std::uint64_t& position, ChunkBlock& block) {
     if (!ReadAt(position, &block, sizeof block)) return Broken("index block can't be read");
     if (block.header.magic != kChunkMagic) return Broken("no index block here");
 
-    block.header.next = SuccessorOf(block.header, position, ring);
+    if (block.header.self == position) TakeUpEntries(block, ring, header.head);
     // A bad link is told about when it is followed: the chunk that holds it is fine otherwise.
     nextPosition = block.header.next;
     if (ring.Holds(nextPosition)) {

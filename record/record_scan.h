@@ -32,9 +32,10 @@ public:
     // The ring as the file has it: it turns at the maximum, or at the end of a shorter file.
     const RingGeometry& Ring() const { return ring; }
 
-    // Goes through the chain, oldest chunk first. kChunk fills position and block; only the block's
-    // magic has been checked. kBroken: position is where a chunk should have been and why says what
-    // was found instead. At most one block for each that fits into the ring is given out.
+    // Goes through the chain, oldest chunk first. kChunk fills position and block, whose count
+    // includes the entries that the file doesn't count yet (record/uncounted_entries.h); only the
+    // block's magic has been checked. kBroken: position is where a chunk should have been and why
+    // says what was found instead. At most one block for each that fits into the ring is given out.
     Step Next(std::uint64_t& position, ChunkBlock& block);
     const std::string& Why() const { return why; }
     // Starts over with the oldest chunk.

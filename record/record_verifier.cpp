@@ -71,7 +71,8 @@ private:
             Find(Field(position, offsetof(ChunkHeader, prev)),
                  "previous chunk is " + Text(previous) + ", not " + Text(header.prev));
         }
-        if (newest ? header.count > kChunkEntries : header.count != kChunkEntries) {
+        // One that isn't full leads nowhere: it is the newest.
+        if (header.count > kChunkEntries) {
             Find(Field(position, offsetof(ChunkHeader, count)),  // invariant 5
                  Text(header.count) + " entries in a chunk of " + Text(kChunkEntries));
         }
@@ -95,6 +96,11 @@ private:
             const IndexEntry& entry = block.entries[k];
             const std::uint64_t at =
                 Field(position, sizeof(ChunkHeader) + std::uint64_t{k} * sizeof(IndexEntry));
+            if (entry.pos == 0) {
+                Find(at, "no entry for record " + Text(result.records));
+                endKnown = false;
+                return;
+            }
             const std::string record = "record " + Text(result.records++);
             if (!ring.Holds(entry.pos) || ring.Place(entry.pos) != ring.Place(end)) {
                 Find(at, record + " begins at " + Text(entry.pos) + " instead of " + Text(end));

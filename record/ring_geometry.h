@@ -65,13 +65,4 @@ constexpr bool HeaderLiesAcrossEnd(const RingGeometry& ring, std::uint64_t posit
     return position < ring.End() && ring.End() - position < sizeof(ChunkHeader);
 }
 
-// Where the chunk after the one at position begins, as that one's header says; 0 for none. A header
-// that lies across the ring's end can't be rewritten at once. Its count is written last, so as long
-// as it doesn't count a full chunk its link isn't made.
-constexpr std::uint64_t SuccessorOf(const ChunkHeader& chunk, std::uint64_t position,
-                                    const RingGeometry& ring) {
-    const bool linked = chunk.count >= kChunkEntries || !HeaderLiesAcrossEnd(ring, position);
-    return linked ? chunk.next : 0;
-}
-
 }  // namespace marvolen

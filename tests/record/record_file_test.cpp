@@ -135,6 +135,7 @@ TEST_F(RecordFileTest, AShortIndexLeavesNoGap) {
     ASSERT_TRUE(Create(kMiB) && AppendMany(3 * 600, 10));
     Close();
     Patch(24 + chunk + 32, std::uint32_t{500});
+    Patch(24 + chunk + 40 + 500 * 32, std::uint64_t{0});
     nextId = 1100;
     ASSERT_TRUE(Reopen(24 + 2 * chunk + 100) && Append(10));
     Close();
@@ -170,7 +171,7 @@ TEST_F(RecordFileTest, OnlyAFileWithoutARecordingIsReplaced) {
     const std::uint64_t second = 24 + kBlock + 6000;
     for (const std::string& bytes :
          {std::string(), std::string("RI"), std::string(50000, 'R'), good.substr(0, 100),
-          damaged(24, 1), damaged(second + 16, second), damaged(2 * second - 24 + 16, 24)}) {
+          damaged(24, 1), damaged(second + 16, second), damaged(2 * second - 24, 1)}) {
         WriteWholeFile(path, bytes);
         EXPECT_FALSE(Read() || Reopen(kMiB) || Sound());
         EXPECT_EQ(ReadWholeFile(path), bytes);

@@ -39,8 +39,6 @@ public:
     }
 
     void Close() { chunks.back().flushed = chunks.back().records.size(); }
-    // What the newest chunk got since it was last flushed is lost.
-    void Crash() { chunks.back().records.resize(chunks.back().flushed); }
 
     // After Close or Crash. False: nothing can be kept.
     bool Reopen(std::uint64_t newMax) {

@@ -57,7 +57,7 @@ protected:
     void EndAndReopen() {
         const bool crash = Any(3) == 0;
         crash ? Crash() : Close();
-        crash ? model.Crash() : model.Close();
+        model.Close();
         ASSERT_NO_FATAL_FAILURE(Compare());
         const std::uint64_t maxSize = Any(2) == 0 ? model.Max() : AnyMaximum();
         const bool kept = model.Reopen(maxSize);
