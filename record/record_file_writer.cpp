@@ -72,7 +72,10 @@ bool RecordFile::GoOn(std::uint64_t newMaxSize) {
     if (!ReadChain(chain) || !CompleteLink(chain) || !ReadChunk(chain.back(), writeChunk)) {
         return false;
     }
+    ChunkHeader stored;
+    if (!Seek(chain.back()) || !ReadChunkHeader(stored)) return false;
     std::uint64_t end = DropLostRecords();
+    writeChunkDirty = writeChunkDirty || stored.count != writeChunk.header.count;
     if (!AdoptMaxSize(newMaxSize, chain, end) || !SetLimited(true)) return false;
     return FlushChunkUnwatched() && Seek(end);
 }
@@ -93,8 +96,7 @@ bool RecordFile::CompleteLink(const std::vector<std::uint64_t>& chain) {
 
 // Entries whose data isn't in the file, as after a power failure, are no records. At the end of the
 // newest chunk's index they are dropped, since their place is about to be written to. Returns where
-// that is: behind the remaining data, in the ring as it was written. The block is then to be
-// written back.
+// that is: behind the remaining data, in the ring as it was written.
 std::uint64_t RecordFile::DropLostRecords() {
     ChunkHeader& newest = writeChunk.header;
     const std::uint64_t room = ring.Size() - ring.Distance(GetHead(), newest.self);
@@ -108,11 +110,13 @@ std::uint64_t RecordFile::DropLostRecords() {
         used = std::max(used, offset + entry.length);
         kept = k + 1;
     }
+    // Whatever the slots behind hold must not be taken for entries once others stand before it.
+    const auto unused = writeChunk.entries.begin() + kept;
+    const bool stale = std::any_of(unused, writeChunk.entries.end(),
+                                   [](const IndexEntry& entry) { return entry.pos != 0; });
+    if (stale || kept != newest.count) writeChunkDirty = true;
     newest.count = kept;
-    // Whatever the slots behind hold must not be taken for entries once others stand before it; and
-    // what was taken up is counted.
-    std::fill(writeChunk.entries.begin() + kept, writeChunk.entries.end(), IndexEntry{});
-    writeChunkDirty = true;
+    std::fill(unused, writeChunk.entries.end(), IndexEntry{});
     blockEnd = ring.End();
     return ring.Advance(newest.self, used);
 }
