@@ -127,9 +127,9 @@ def main():
     for _ in range(options.runs or (1 if options.quick else 3)):
         for name, section in SECTIONS.items():
             if not options.section or name in options.section:
+                print(f"{name} ...", file=sys.stderr)
                 section(table, options.quick)
-    commit = output("git", "-C", ROOT, "log", "-1", "--format=%h").strip()
-    print(f"{datetime.date.today()}, {machine()}, {commit}")
+    print(f"{datetime.date.today()}, {machine()}")
     table.print()
 
 

@@ -155,13 +155,14 @@ class Display:
 class Program:
     """The program in a folder of its own, with a line of statistics a second."""
 
-    def __init__(self, display, folder, settings):
+    def __init__(self, display, folder, settings, binary=BIN / "marvolen"):
         self.display, self.folder = display, folder
         (folder / "recinfo.bin").write_bytes(settings)
         self.statistics = folder / "statistics.csv"
+        self.statistics.unlink(missing_ok=True)
         self.log = (folder / "marvolen.log").open("w")
         self.process = spawn(
-            [BIN / "marvolen"], cwd=folder, stdout=self.log, stderr=subprocess.STDOUT,
+            [binary], cwd=folder, stdout=self.log, stderr=subprocess.STDOUT,
             env={**display.environment, "MARVOLEN_STATISTICS": str(self.statistics)})
         self.window = display.tool("search", "--sync", "--all", "--onlyvisible", "--pid",
                                    self.process.pid, "--name", "^Marvolen$").split()[0]

@@ -33,7 +33,7 @@ def draw(path, title, seconds, columns):
     lines = [
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{WIDTH}" height="{height}" '
         'font-family="sans-serif" font-size="12">',
-        '<rect width="100%" height="100%" fill="white"/>',
+        f'<rect width="{WIDTH}" height="{height}" fill="white"/>',
         f'<text x="8" y="18" font-weight="bold">{escape(title)}</text>',
     ]
     for index, (label, values) in enumerate(columns.items()):
