@@ -30,10 +30,13 @@ void HuffmanTable::Build(const std::uint8_t* counts, const std::uint8_t* symbols
             }
         }
     }
+    if (use == Use::AcPairs) {
+        MakePairs();
+        return;
+    }
     for (std::uint32_t bits = 0; bits < direct.size(); ++bits) {
         direct[bits] = MakeDirect(bits, use);
     }
-    if (use == Use::SequentialAc) MakePairs();
 }
 
 void HuffmanTable::AddLongCode(std::uint32_t code, int length, int symbol, std::int32_t& freeNode) {

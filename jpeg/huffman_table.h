@@ -24,8 +24,9 @@ inline constexpr int kZeroRun = 0xF0;
 class HuffmanTable {
 public:
     // What a symbol means: a size (DC), or a run of zeros in the high and a size in the low
-    // nibble. Pairs are for sequential scans, where a size of 0 has no other meaning.
-    enum class Use { Dc, Ac, SequentialAc };
+    // nibble; and which table there is beside the codes' own, the direct one or that of pairs.
+    // Pairs are for sequential scans, where a size of 0 has no other meaning.
+    enum class Use { Dc, Ac, AcPairs };
 
     static constexpr int kDirectBits = 10;
 
@@ -114,10 +115,10 @@ public:
     // all, and their symbols in code order.
     void Build(const std::uint8_t* counts, const std::uint8_t* symbols, Use use);
 
-    // What the next kDirectBits bits mean.
+    // What the next kDirectBits bits mean, for Dc and Ac.
     [[gnu::always_inline]] Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
 
-    // What the next kPairBits bits mean in a table for SequentialAc; in another one nothing.
+    // What the next kPairBits bits mean, for AcPairs.
     Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }
 
     // Decodes and consumes one symbol (0..255).

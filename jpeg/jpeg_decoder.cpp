@@ -81,7 +81,8 @@ void JpegDecoder::Start() {
         markers.ReadScanHeader(frame, scan);
         RequireCompleteScan();
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(frame, scan, tables);
+        SetUpScanHuffman(scan, usesSegments ? HuffmanTable::Use::AcPairs : HuffmanTable::Use::Ac,
+                         tables);
         RequireQuantTables(frame, scan, tables);
         if (usesSegments) {
             plainReader.GiveBack();
@@ -115,7 +116,7 @@ void JpegDecoder::ReadProgressiveScans() {
         if (marker != kMarkerSos) Fail(kJpegErrorMarker);
         markers.ReadScanHeader(frame, scan);
         SetUpScanGeometry(frame, scan);
-        SetUpScanHuffman(frame, scan, tables);
+        SetUpScanHuffman(scan, HuffmanTable::Use::Ac, tables);
         RequireQuantTables(frame, scan, tables);
         if (usesSegments) {
             progressiveSegments.DecodeScan(frame, scan, markers.RestartInterval());

@@ -18,7 +18,7 @@ const std::array<std::int16_t, kBlockSize> kAanScale = {
 };
 // clang-format on
 
-void SetUpScanHuffman(const JpegFrame& frame, const JpegScan& scan, JpegTables& tables) {
+void SetUpScanHuffman(const JpegScan& scan, HuffmanTable::Use acUse, JpegTables& tables) {
     const auto require = [&](int slot, int firstSlot) {
         const bool named = slot < firstSlot + kFirstAcSlot;
         if (!named || tables.huffman[static_cast<std::size_t>(slot)].counts == nullptr) {
@@ -30,7 +30,6 @@ void SetUpScanHuffman(const JpegFrame& frame, const JpegScan& scan, JpegTables& 
         if (scan.spectralStart == 0) require(scan.dcSlot[component], 0);
         if (scan.spectralEnd > 0) require(scan.acSlot[component], kFirstAcSlot);
     }
-    const auto acUse = frame.progressive ? HuffmanTable::Use::Ac : HuffmanTable::Use::SequentialAc;
     for (int slot = 0; slot < kHuffmanSlots; ++slot) {
         HuffmanSlot& table = tables.huffman[static_cast<std::size_t>(slot)];
         if (!table.changed) continue;

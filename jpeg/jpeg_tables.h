@@ -54,9 +54,9 @@ struct JpegTables {
 };
 
 // Checks that the Huffman tables which scan needs are there, and gets the decoding table of every
-// slot that was received since the last scan. Throws JpegFailure: -223 for a missing table, -233
-// without memory.
-void SetUpScanHuffman(const JpegFrame& frame, const JpegScan& scan, JpegTables& tables);
+// slot that was received since the last scan, for AC slots one for acUse. Throws JpegFailure: -223
+// for a missing table, -233 without memory.
+void SetUpScanHuffman(const JpegScan& scan, HuffmanTable::Use acUse, JpegTables& tables);
 
 // Throws JpegFailure -222 unless every component of the scan has its quantisation table.
 void RequireQuantTables(const JpegFrame& frame, const JpegScan& scan, const JpegTables& tables);
