@@ -91,6 +91,11 @@ HuffmanTable::Pair HuffmanTable::MakeSingle(std::uint32_t bits) const {
     return Pair::One(total, (symbol >> 4) + 1, ExtendCoefficient(valueBits, size));
 }
 
+void HuffmanTable::PrefetchPairs() const {
+    constexpr std::size_t kPairsALine = 64 / sizeof(Pair);
+    for (std::size_t i = 0; i < pairs.size(); i += kPairsALine) __builtin_prefetch(&pairs[i]);
+}
+
 void HuffmanTable::MakePairs() {
     constexpr std::uint32_t kMask = (1U << kPairBits) - 1;
     std::array<Pair, 1 << kPairBits> singles;

@@ -121,6 +121,10 @@ public:
     // What the next kPairBits bits mean, for AcPairs.
     Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }
 
+    // Asks for the table of pairs to be brought to the processor. Tables lie idle from picture to
+    // picture, and looks wait for each other, so they would wait for each line of it in turn.
+    void PrefetchPairs() const;
+
     // Decodes and consumes one symbol (0..255).
     template <class BitReader>
     int DecodeSymbol(BitReader& reader) const {

@@ -138,6 +138,9 @@ void SegmentDecoder::BeginScan(const JpegScan& scan, const JpegTables& tables, i
             tables.huffman[static_cast<std::size_t>(scan.acSlot[component])].derived.get(),
             component};
     }
+    for (std::size_t i = 0; i < blocksPerMcu; ++i) {
+        if (i == 0 || blockCodes[i].ac != blockCodes[i - 1].ac) blockCodes[i].ac->PrefetchPairs();
+    }
     state.BeginScan(restartInterval);
     const std::size_t bytes = EntropySegment::BufferBytes(input.Whole().size());
     reader.SetBuffer(allocations.AllocateArray<std::uint8_t>(bytes));
