@@ -13,6 +13,10 @@ scripts/install_dependencies.sh checks
 step "Layout of the sources"
 scripts/check_format.sh
 
+step "Benchmarks"
+cmake --preset release
+cmake --build --preset release --target marvolen_benchmarks
+
 step "Debug build with clang, AddressSanitizer and UndefinedBehaviorSanitizer, every test"
 cmake --preset asan
 cmake --build --preset asan
