@@ -68,8 +68,9 @@ class Campaign:
         return list(zip(first, self.lines()))
 
     def protect(self):
-        """Makes some record files read-only until unprotect."""
-        files = [k for k in self.random.sample(range(CHANNELS), 3) if self.path(k).exists()]
+        """Makes a record file read-only until unprotect. One of the first channels': when a channel can't be
+        opened the program closes the ones before it."""
+        files = [k for k in [self.random.randrange(2)] if self.path(k).exists()]
         for k in files:
             subprocess.run(["mount", "--bind", self.path(k), self.path(k)], check=True)
             subprocess.run(["mount", "-o", "remount,bind,ro", self.path(k)], check=True)
@@ -201,11 +202,13 @@ def main():
     options = options.parse_args()
     with Folder() as folder:
         campaign = Campaign(folder, options.seed, options.program)
-        for _ in range(options.rounds):
-            campaign.round()
-        campaign.print()
-        live_run.stop_all()
-        subprocess.run(["umount", campaign.folder], check=True)
+        try:
+            for _ in range(options.rounds):
+                campaign.round()
+        finally:
+            campaign.print()
+            live_run.stop_all()
+            subprocess.run(["umount", campaign.folder], check=True)
     sys.exit(1 if campaign.findings else 0)
 
 

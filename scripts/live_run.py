@@ -137,10 +137,21 @@ class Display:
             ["Xvfb", self.name, "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"], **quiet)
         wait_for("the display", lambda: subprocess.run(
             ["xdpyinfo"], env=self.environment, **quiet).returncode == 0)
-        self.manager = spawn(["openbox"], env=self.environment, **quiet)
-        wait_for("the window manager", lambda: "window id" in subprocess.run(
-            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment, text=True,
-            stdout=subprocess.PIPE).stdout)
+        self.start_manager(quiet)
+
+    def start_manager(self, quiet):
+        for attempt in range(3):  # on a busy machine it sometimes doesn't get going
+            self.manager = spawn(["openbox"], env=self.environment, **quiet)
+            try:
+                return wait_for("the window manager", self.is_managed, 15)
+            except TimeoutError:
+                stop(self.manager)
+                if attempt == 2:
+                    raise
+
+    def is_managed(self):
+        return "window id" in subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], text=True,
+                                             env=self.environment, stdout=subprocess.PIPE).stdout
 
     def tool(self, *arguments):
         return subprocess.run(["xdotool", *(str(argument) for argument in arguments)], text=True,
