@@ -64,7 +64,7 @@ class Campaign:
             time.sleep(seconds)
         filler.unlink()
         time.sleep(0.3)
-        self.table["rounds with a full disk"] += 1
+        self.table["times with a full disk"] += 1
         return list(zip(first, self.lines()))
 
     def protect(self):
@@ -114,12 +114,12 @@ class Campaign:
         program.click("start all")
         wait_for("recording", lambda: program.statistics.exists() and program.lines()
                  and total(program.lines()[-1], "due") > 0)
-        recording, full = self.lines(), [(0, 0)] * CHANNELS
+        recording, full = self.lines(), []
         for _ in range(self.random.randint(1, 3)):
             self.set_faults()
             time.sleep(self.random.uniform(0.1, 1.5))
             if self.random.random() < 0.12:
-                full = self.fill_disk(self.random.uniform(0.2, 1.0))
+                full.append(self.fill_disk(self.random.uniform(0.2, 1.0)))
         self.end(program)
         acknowledged = program.lines()[-1]
         time.sleep(0.2)
@@ -127,7 +127,7 @@ class Campaign:
         self.unprotect(readOnly)
         end = self.lines()
         for k in range(CHANNELS):
-            phases = {"begin": begin[k], "recording": recording[k], "end": end[k], "full": full[k],
+            phases = {"begin": begin[k], "recording": recording[k], "end": end[k], "full": [times[k] for times in full],
                       "read-only": k in readOnly, "acknowledged": acknowledged[f"recorded{k + 1}"]}
             self.account(k, phases)
         self.table["rounds"] += 1
@@ -178,7 +178,7 @@ class Campaign:
             return "sent before recording was on"
         if phases["read-only"]:
             return "the file was read-only"
-        if phases["full"][0] <= index < phases["full"][1]:
+        if any(first <= index < end for first, end in phases["full"]):
             return "the disk was full"
         if index > last and phases["end"] - index <= IN_FLIGHT:
             return "on its way when the program ended"
