@@ -15,9 +15,10 @@ inline constexpr const char* kSettingsFileName = "recinfo.bin";
 // or isn't exactly 25280 bytes long. No field is checked. path is native.
 bool ReadSettingsFile(const std::string& path, ChannelTable& table);
 
-// Writes table to the file, replacing what was there. Where the system allows it, nobody but its
-// owner may read the file then. False when the file can't be written whole; one that can't be
-// opened for writing is left as it is, its permissions included.
+// Writes table to the file, replacing what was there at once (config/replace_file.h): it has the
+// old table or the new one, never part of either. A new file is for its owner's eyes only, since it
+// holds passwords; one that exists keeps its permissions. False when the file can't be replaced; it
+// is then as it was.
 bool WriteSettingsFile(const std::string& path, const ChannelTable& table);
 
 // Read "recinfo.bin" into g_channelInfo, before any channel runs, and write it back when the

@@ -3,10 +3,12 @@
 #include "platform/text_field.h"
 #include "tests/support/temporary_folder.h"
 
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <limits>
+#include <sys/resource.h>
 
 namespace marvolen {
 namespace {
@@ -71,18 +73,45 @@ TEST_F(SettingsFile, OfTheRightSizeReplacesEveryByte) {
     EXPECT_EQ(ReadWholeFile(kSettingsFileName), bytes);
 }
 
-// It has passwords: only its owner may read it, who may protect it from being written.
-TEST_F(SettingsFile, SavedOverALongerFileHasTheTableOnly) {
-    WriteWholeFile(kSettingsFileName, std::string(70000, 'x'));
-    for (const fs::perms before : {fs::perms(0777), fs::perms(0644), fs::perms(0444)}) {
-        fs::permissions(kSettingsFileName, before);
-        const bool written = WriteSettingsFile(kSettingsFileName, g_channelInfo);
-        EXPECT_TRUE(written || before == fs::perms(0444)) << "the superuser writes it all the same";
-        const fs::perms after = fs::status(kSettingsFileName).permissions();
-        EXPECT_EQ(after, written ? before & fs::perms::owner_all : before);
-        EXPECT_EQ(fs::file_size(kSettingsFileName), 25280U);
+TEST_F(SettingsFile, IsReplacedWholeOrNotAtAll) {
+    SaveSettings();
+    EXPECT_EQ(fs::status(kSettingsFileName).permissions(), fs::perms(0600)) << "it has passwords";
+    fs::create_directory("elsewhere");
+    WriteWholeFile("elsewhere/long.rsf", std::string(70000, 'x'));
+    fs::create_symlink("elsewhere/long.rsf", "link.rsf");
+    fs::create_symlink("new.rsf", "elsewhere/dangling.rsf");
+    WriteWholeFile("one.rsf", "1");
+    fs::create_hard_link("one.rsf", "two.rsf");
+    const std::string table(reinterpret_cast<const char*>(&g_channelInfo), sizeof g_channelInfo);
+    for (const auto& [name, reached] : {std::pair{"recinfo.bin", "recinfo.bin"},
+                                        {"link.rsf", "elsewhere/long.rsf"},
+                                        {"elsewhere/dangling.rsf", "elsewhere/new.rsf"},
+                                        {"one.rsf", "two.rsf"}}) {
+        SCOPED_TRACE(name);
+        const bool wasLink = fs::is_symlink(name);
+        if (fs::exists(reached)) fs::permissions(reached, fs::perms(0640));
+        const fs::perms before = fs::exists(reached) ? fs::perms(0640) : fs::perms(0600);
+        EXPECT_TRUE(WriteSettingsFile(name, g_channelInfo));
+        EXPECT_EQ(ReadWholeFile(reached), table);
+        EXPECT_EQ(fs::status(reached).permissions(), before);
+        EXPECT_EQ(fs::is_symlink(name), wasLink);
+        // A disk without room for all of it.
+        ChannelTable other = g_channelInfo;
+        other[0].host[0] = 'h';
+        rlimit unlimited{};
+        getrlimit(RLIMIT_FSIZE, &unlimited);
+        const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limited{20000, unlimited.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limited);
+        EXPECT_FALSE(WriteSettingsFile(name, other));
+        setrlimit(RLIMIT_FSIZE, &unlimited);
+        std::signal(SIGXFSZ, signalBefore);
+        EXPECT_TRUE(ReadWholeFile(reached) == table || name == std::string("one.rsf"));
     }
     EXPECT_FALSE(WriteSettingsFile("/dev/full", g_channelInfo));
+    EXPECT_FALSE(WriteSettingsFile("missing/x.rsf", g_channelInfo));
+    const auto files = std::distance(fs::recursive_directory_iterator("."), {});
+    EXPECT_EQ(files, 8) << "a temporary file is left";
 }
 
 }  // namespace
