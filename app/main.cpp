@@ -7,6 +7,8 @@ int main(int, char** argv) {
     int argc = 1;
     QApplication toolkit(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Marvolen"));
+    // By it a Wayland desktop finds the window's icon.
+    QApplication::setDesktopFileName(QStringLiteral("marvolen"));
     marvolen::CMarvolenApp app;
     return app.Run();
 }
