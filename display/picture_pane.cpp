@@ -92,15 +92,19 @@ void PicturePane::RedrawPicture() {
 }
 
 // Returns the text to show, null when there is no time.
-const std::string* PicturePane::RefreshTimeText() {
+const std::string* PicturePane::FormatTime() {
     const SYSTEMTIME* time = timeGate.Time();
-    if (time) {
-        FormatTimeInto(*time, timeText);
-    } else {
-        shownTime.clear();
-    }
+    if (!time) return nullptr;
+    FormatTimeInto(*time, timeText);
+    return &timeText;
+}
+
+// The same for all who show it.
+const std::string* PicturePane::RefreshTimeText() {
+    const std::string* text = FormatTime();
+    if (!text) shownTime.clear();
     Q_EMIT titleChanged();
-    return time ? &timeText : nullptr;
+    return text;
 }
 
 void PicturePane::paintEvent(QPaintEvent* event) {
@@ -110,7 +114,7 @@ void PicturePane::paintEvent(QPaintEvent* event) {
         painter.fillRect(video, Qt::black);
     }
     if (!event->region().intersects(TitleStripRegion(size()))) return;
-    PaintTitleStrip(painter, size(), stripFont, {name, RefreshTimeText(), status}, *marks);
+    PaintTitleStrip(painter, size(), stripFont, {name, FormatTime(), status}, *marks);
 }
 
 bool PicturePane::PaintImage(QPainter& painter, const ScreenImage& image) const {

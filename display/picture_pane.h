@@ -98,6 +98,7 @@ protected:
 private:
     QRect ImageRect() const;
     void RedrawTitle();
+    const std::string* FormatTime();
     const std::string* RefreshTimeText();
     void DescribeToAssistiveTools();
 

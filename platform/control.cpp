@@ -12,10 +12,6 @@ CStatic::CStatic(QWidget* parent) : QWidget(parent) {
     DescribeControlsToAssistiveTools();
 }
 
-int CStatic::GetDlgCtrlID() const {
-    return ControlId(*this);
-}
-
 // Group boxes may stand between a control and its dialog.
 CWnd* CStatic::GetParentWnd() const {
     for (QWidget* ancestor = parentWidget(); ancestor; ancestor = ancestor->parentWidget()) {

@@ -21,9 +21,6 @@ public:
     // The parent owns the control. Its id and accessible name come with CDialog::AddControl.
     explicit CStatic(QWidget* parent = nullptr);
 
-    // The control's id, 0 before it has one.
-    int GetDlgCtrlID() const;
-
     // The dialog that contains this control, or null.
     CWnd* GetParentWnd() const;
 

@@ -24,13 +24,11 @@
 #define CAPABILITY(name) MARVOLEN_THREAD_ANNOTATION(capability(name))
 #define SCOPED_CAPABILITY MARVOLEN_THREAD_ANNOTATION(scoped_lockable)
 
-// On a field: touched only while the lock is held (by pointer: what it points to).
+// On a field: touched only while the lock is held.
 #define GUARDED_BY(lock) MARVOLEN_THREAD_ANNOTATION(guarded_by(lock))
-#define PT_GUARDED_BY(lock) MARVOLEN_THREAD_ANNOTATION(pt_guarded_by(lock))
 
-// On an operation: its caller holds the locks; doesn't hold them; it takes them; gives them back.
+// On an operation: its caller holds the locks; it takes them; gives them back.
 #define REQUIRES(...) MARVOLEN_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
-#define EXCLUDES(...) MARVOLEN_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 #define ACQUIRE(...) MARVOLEN_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define RELEASE(...) MARVOLEN_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 

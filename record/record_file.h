@@ -99,8 +99,8 @@ private:
     bool WriteInBlock(std::uint32_t offset, std::uint32_t n);
     bool ReadChunkHeader(ChunkHeader& destination);
     bool ReadChunk(std::uint64_t pos, ChunkBlock& destination);
-    bool BlockTurnsAsWritten(const ChunkBlock& block) const;
-    bool RecordTurnsAsWritten() const;
+    bool BlockTurnsWhereWritten(const ChunkBlock& block) const;
+    bool RecordTurnsWhereWritten() const;
     bool LoadChunk(std::uint64_t pos, std::uint32_t entry);
     bool WriteAll(const void* buf, std::uint32_t n);
     bool ReadAll(void* buf, std::uint32_t n);

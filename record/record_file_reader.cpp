@@ -36,7 +36,7 @@ void RecordFile::CloseReader() {
 // Makes the given entry of the chunk at pos the current record, or leaves everything as it was.
 bool RecordFile::LoadChunk(std::uint64_t pos, std::uint32_t entry) {
     ChunkBlock loaded;
-    if (!ReadChunk(pos, loaded) || !BlockTurnsAsWritten(loaded)) return false;
+    if (!ReadChunk(pos, loaded) || !BlockTurnsWhereWritten(loaded)) return false;
     if (entry == kLastEntry) entry = loaded.header.count - 1;
     if (entry >= loaded.header.count) return false;
     readChunk = loaded;
@@ -86,7 +86,7 @@ bool RecordFile::StepBack() {
 // then the ring doesn't turn where it was written to. Whatever lies across the turn tells: a block
 // by its entries, which must be back to back up to the next chunk, a record by ending where the
 // next one begins.
-bool RecordFile::BlockTurnsAsWritten(const ChunkBlock& block) const {
+bool RecordFile::BlockTurnsWhereWritten(const ChunkBlock& block) const {
     const ChunkHeader& chunk = block.header;
     const bool inOnePiece = ring.End() - ring.Place(chunk.self) >= kChunkBlockSize;
     if (inOnePiece || ring.End() == GetHeaderMaxSize()) return true;
@@ -99,7 +99,7 @@ bool RecordFile::BlockTurnsAsWritten(const ChunkBlock& block) const {
     return chunk.next == 0 || ring.Place(chunk.next) == ring.Place(end);
 }
 
-bool RecordFile::RecordTurnsAsWritten() const {
+bool RecordFile::RecordTurnsWhereWritten() const {
     const IndexEntry& entry = readChunk.entries[cursor];
     const std::uint64_t following = cursor + 1 < readChunk.header.count
                                         ? readChunk.entries[cursor + 1].pos
@@ -114,7 +114,7 @@ bool RecordFile::ReadRecord(VideoFrame& frame) {
     if (entry.length > frame.Capacity() || !ring.Holds(entry.pos)) return false;
     // No record runs on into the oldest chunk. One that would do so has lost its end, in a file
     // that was cut short for example.
-    if (!ring.Fits(GetHead(), entry.pos, entry.length) || !RecordTurnsAsWritten()) return false;
+    if (!ring.Fits(GetHead(), entry.pos, entry.length) || !RecordTurnsWhereWritten()) return false;
     const auto length = static_cast<std::uint32_t>(entry.length);
     if (!Seek(entry.pos) || !ReadAll(frame.Data(), length)) return false;
     frame.SetLength(length);
