@@ -27,6 +27,21 @@ Xvfb "$DISPLAY" -screen 0 1920x1080x24 -nolisten tcp >"$folder/xvfb.log" 2>&1 &
 processes+=($!)
 for _ in $(seq 100); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
 
+shoot() { import -silent -window "$window" png:- | convert png:- -quality 84 "$images/$1.jpg"; }
+# first_window PROCESS TITLE: waits for the window.
+first_window() { xdotool search --sync --all --onlyvisible --pid "$1" --name "^$2\$" | head -n 1; }
+
+# The first run: a folder without settings.
+mkdir "$folder/first"
+(cd "$folder/first" && exec "$bin/marvolen") &
+marvolen=$!
+processes+=("$marvolen")
+window=$(first_window "$marvolen" Marvolen)
+sleep 1
+shoot first
+kill -TERM "$marvolen"
+wait "$marvolen" || true
+
 cd "$folder"
 "$bin/camera_server" --port 8181 --write-settings recinfo.bin >camera_server.log 2>&1 &
 processes+=($!)
@@ -36,9 +51,8 @@ marvolen=$!
 processes+=("$marvolen")
 "$OLDPWD/scripts/wait_until_live.sh" "$marvolen" "$folder/screen.png"
 
-window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Marvolen$' | head -n 1)
+window=$(first_window "$marvolen" Marvolen)
 eval "$(xdotool getwindowgeometry --shell "$window")"
-shoot() { import -silent -window "$window" png:- | convert png:- -quality 84 "$images/$1.jpg"; }
 # A click at a place of the window; negative numbers count from its right and bottom edge.
 click() {
   local x=$1 y=$2
@@ -51,6 +65,7 @@ panel() { click $((-PANEL + $1)) "$2"; }
 # The panel's width, and its and the settings dialog's controls' places, in the font that a bare Debian shows.
 PANEL=285
 startAll=(92 90) cancel=(711 456) setting=(60 167) playback=(205 167) view1=(57 655) view4=(147 655) view16=(226 655) popUp=(25 681)
+lens=(221 71)
 
 shoot live
 panel "${startAll[@]}"
@@ -73,15 +88,22 @@ import -silent -window root -crop "900x520+$((X + 352))+$((Y + 253))" +repage pn
 main=$window
 panel "${setting[@]}"
 sleep 2
-window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Channel Setting$' | head -n 1)
+window=$(first_window "$marvolen" "Channel Setting")
 shoot settings
 click "${cancel[@]}"
 sleep 2
 window=$main
 
+panel "${lens[@]}"
+window=$(first_window "$marvolen" "About Marvolen")
+shoot about
+xdotool key Escape
+sleep 1
+window=$main
+
 panel "${playback[@]}"
 sleep 1
-window=$(xdotool search --sync --all --onlyvisible --pid "$marvolen" --name '^Playback$' | head -n 1)
+window=$(first_window "$marvolen" Playback)
 play=(131 621) pause=(215 621) selStart=(58 730) selEnd=(143 730)
 for mark in selStart selEnd; do
   click "${play[@]}"
