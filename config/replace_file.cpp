@@ -1,7 +1,6 @@
 #include "config/replace_file.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -74,9 +73,19 @@ struct Beside {
     bool refused = false;  // and there can't be one like the old file
 };
 
+// One name for all times, so that programs that are killed leave one file at most.
+int MakeTemporary(const std::string& name) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    const int made = open(name.c_str(), kFlags, 0600);
+    if (made >= 0 || errno != EEXIST || unlink(name.c_str()) != 0) return made;
+    return open(name.c_str(), kFlags, 0600);
+}
+
 Beside WriteBeside(const fs::path& path, const struct stat* old, std::span<const char> bytes) {
-    std::string name = path.string() + ".XXXXXX";
-    Descriptor file(mkostemp(name.data(), O_CLOEXEC));
+    fs::path hidden = path.parent_path() / ".";
+    hidden += path.filename();
+    const std::string name = hidden += ".tmp";
+    Descriptor file(MakeTemporary(name));
     if (!file.IsOpen()) return {{}, errno == EACCES || errno == EPERM || errno == EROFS};
     // The owner first, for changing it may take permissions away.
     const bool refused =

@@ -81,6 +81,7 @@ TEST_F(SettingsFile, IsReplacedWholeOrNotAtAll) {
     fs::create_symlink("elsewhere/long.rsf", "link.rsf");
     fs::create_symlink("new.rsf", "elsewhere/dangling.rsf");
     WriteWholeFile("one.rsf", "1");
+    WriteWholeFile(".recinfo.bin.tmp", "of a program that was killed");
     fs::create_hard_link("one.rsf", "two.rsf");
     const std::string table(reinterpret_cast<const char*>(&g_channelInfo), sizeof g_channelInfo);
     for (const auto& [name, reached] : {std::pair{"recinfo.bin", "recinfo.bin"},
