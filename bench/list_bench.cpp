@@ -9,6 +9,7 @@
 #include <array>
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <malloc.h>
 #include <string>
 
 namespace marvolen {
@@ -54,14 +55,18 @@ public:
 
 void FillAndClean(benchmark::State& state) {
     LogList fixture;
+    std::size_t bytes = 0;
     for (auto _ : state) {
+        const std::size_t before = mallinfo2().uordblks;
         fixture.Fill();
         state.PauseTiming();
+        bytes = mallinfo2().uordblks - before;
         fixture.log.Clean();
         fixture.Update();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * kRows);
+    state.counters["bytes_a_row"] = double(bytes) / kRows;
 }
 BENCHMARK(FillAndClean)->Name("fill")->Unit(benchmark::kMillisecond);
 

@@ -124,13 +124,15 @@ def main():
     if unknown:
         sys.exit("no such section: " + ", ".join(sorted(unknown)))
     table = Table()
-    for _ in range(options.runs or (1 if options.quick else 3)):
-        for name, section in SECTIONS.items():
-            if not options.section or name in options.section:
-                print(f"{name} ...", file=sys.stderr)
-                section(table, options.quick)
-    print(f"{datetime.date.today()}, {machine()}")
-    table.print()
+    try:
+        for _ in range(options.runs or (1 if options.quick else 3)):
+            for name, section in SECTIONS.items():
+                if not options.section or name in options.section:
+                    print(f"{name} ...", file=sys.stderr)
+                    section(table, options.quick)
+    finally:
+        print(f"{datetime.date.today()}, {machine()}")
+        table.print()
 
 
 main()

@@ -131,7 +131,12 @@ def usual(table, seconds, channels, quick):
 
 def large(table, seconds):
     with Folder() as folder:
-        one = Cameras(folder, LARGE, PORT, 1)
+        # Those that the program takes: a picture has at most 204800 bytes.
+        (folder / "large").mkdir()
+        for picture in LARGE.iterdir():
+            if picture.stat().st_size <= 204800:
+                (folder / "large" / picture.name).symlink_to(picture)
+        one = Cameras(folder, folder / "large", PORT, 1)
         rest = Cameras(folder, USUAL, PORT + 20)
         urls = [one.url(0)] + [rest.url(k) for k in range(1, 16)]
         settings = live_run.with_port(rest.settings.read_bytes(), 0, PORT)

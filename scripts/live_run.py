@@ -126,17 +126,15 @@ class Display:
     """A virtual screen with a window manager."""
 
     def __init__(self, width=1920, height=1080):
-        number = 150
-        while pathlib.Path(f"/tmp/.X11-unix/X{number}").exists() or pathlib.Path(f"/tmp/.X{number}-lock").exists():
-            number += 1
-        self.name = f":{number}"
-        self.environment = {**os.environ, "DISPLAY": self.name}
-        self.environment.pop("QT_QPA_PLATFORM", None)
         quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
-        self.server = spawn(
-            ["Xvfb", self.name, "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"], **quiet)
-        wait_for("the display", lambda: subprocess.run(
-            ["xdpyinfo"], env=self.environment, **quiet).returncode == 0)
+        # It takes a free number itself, and writes it when it is ready.
+        ready, number = os.pipe()
+        self.server = spawn(["Xvfb", "-displayfd", number, "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+                            pass_fds=[number], **quiet)
+        os.close(number)
+        with os.fdopen(ready) as reader:
+            self.environment = {**os.environ, "DISPLAY": ":" + reader.readline().strip()}
+        self.environment.pop("QT_QPA_PLATFORM", None)
         self.start_manager(quiet)
 
     def start_manager(self, quiet):

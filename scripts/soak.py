@@ -14,7 +14,7 @@ PICTURES = ROOT / "build/frames/704x480-420-q75"
 PORT = 23300
 SETTLING = 60         # seconds in which buffers and pools reach their sizes
 MEGABYTES = 3         # of memory that a whole run may seem to gain
-BYTES_A_LOG_ROW = 1024
+BYTES_A_LOG_ROW = 400
 LONGEST_GAP = 50      # milliseconds
 
 COLUMNS = ["seconds", "megabytes", "descriptors", "threads", "log_rows", "longest_gap_ms", "percent_of_a_core",
