@@ -75,9 +75,10 @@ Outcome Decode(const std::uint8_t* data, std::size_t size, JpegPath path, std::p
     return outcome;
 }
 
-// The bitmap must hold the rows that came, and be black below. At half scale it must come as far.
+// The bitmap must hold the rows that came, and be black below. At half scale it must come as far,
+// and be the half that other kernels gave.
 void CompareWithBitmap(const std::uint8_t* data, std::size_t size, JpegPath path,
-                       const Outcome& expected) {
+                       const Outcome& expected, marvolen::DibImage& otherHalf) {
     marvolen::DibImage image;
     const bool shown = image.DecodeJpeg(data, size, path) == 1;
     if (shown != expected.started || image.LastError() != expected.error) std::abort();
@@ -86,6 +87,11 @@ void CompareWithBitmap(const std::uint8_t* data, std::size_t size, JpegPath path
     marvolen::DibImage half;
     half.DecodeJpeg(data, size, path, marvolen::JpegScale::Half);
     if (half.LastError() != expected.error || half.Width() == 0) std::abort();
+    if (otherHalf.Width() == 0) half.Swap(otherHalf);
+    const std::uint8_t* const pixels = otherHalf.GetPixels();
+    const bool isSame = half.Width() == 0 ||
+                        std::equal(pixels, pixels + half.GetHeader().biSizeImage, half.GetPixels());
+    if (!isSame) std::abort();
     const std::size_t rowBytes = 3 * static_cast<std::size_t>(expected.width);
     auto from = expected.bgr.begin();
     for (int y = image.Height() - 1; y >= 0; --y) {
@@ -106,9 +112,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const std::ptrdiff_t portion : {1, 13, 4095}) {
             if (!(Decode(data, size, path, portion) == whole)) std::abort();
         }
+        marvolen::DibImage half;
         for (const marvolen::JpegKernels* kernels : marvolen::AvailableJpegKernels()) {
             marvolen::ForceJpegKernels(kernels);
-            if (!whole.isLarge) CompareWithBitmap(data, size, path, whole);
+            if (!whole.isLarge) CompareWithBitmap(data, size, path, whole, half);
         }
         marvolen::ForceJpegKernels(nullptr);
     }
