@@ -24,7 +24,7 @@ constexpr std::array<std::uint8_t, 256> MakeOrderBehind() {
 }
 constexpr std::array<std::uint8_t, 256> kOrderBehind = MakeOrderBehind();
 
-constexpr int kLooksARefill = 4;  // in DecodeAc
+constexpr int kLooksARefill = 4;
 static_assert(HuffmanTable::kDirectBits + kLooksARefill * HuffmanTable::kPairBits <=
               BitCursor::kRefilled);
 
@@ -102,7 +102,9 @@ inline int DecodeAc(const HuffmanTable& table, BitCursor& in, std::int16_t* bloc
             position = behind;
             return false;
         };
-        if (!(look() || look() || look() || look())) {
+        bool ended = false;
+        for (int looks = 0; looks < kLooksARefill && !ended; ++looks) ended = look();
+        if (!ended) {
             in.Refill();
             continue;
         }
