@@ -118,6 +118,9 @@ public:
     // What the next kDirectBits bits mean, for Dc and Ac.
     [[gnu::always_inline]] Direct LookUp(std::uint32_t bits) const { return direct[bits]; }
 
+    // The same as an array.
+    const Direct* DirectTable() const { return direct.data(); }
+
     // What the next kPairBits bits mean, for AcPairs.
     Pair LookUpPair(std::uint64_t bits) const { return pairs[bits]; }
 

@@ -192,7 +192,11 @@ void ProgressiveSegmentDecoder::AcRefine(const JpegFrame& frame, const JpegScan&
     const auto slot =
         static_cast<std::size_t>(scan.acSlot[static_cast<std::size_t>(scan.components[0])]);
     const HuffmanTable& table = *tables.huffman[slot].derived;
-    const AcRefinement refinement = {&table, scan.spectralStart, scan.spectralEnd,
+    const AcRefinement refinement = {&table,
+                                     table.DirectTable(),
+                                     kNaturalOrder.data(),
+                                     scan.spectralStart,
+                                     scan.spectralEnd,
                                      ShiftLeft(1, scan.approximationLow)};
     const std::uint64_t band = BitsBetween(scan.spectralStart, scan.spectralEnd);
     ForEachBlock(frame, scan, [&](BitCursor& in, std::size_t, const CoefficientBlock& block) {

@@ -47,13 +47,13 @@ inline std::uint64_t ReadCorrections(BitCursor& in, std::uint64_t places) {
     return grown;
 }
 
-inline void Apply(const Refined& refined, std::int16_t step, const CoefficientBlock& block) {
+inline void Apply(const Refined& refined, const AcRefinement& scan, const CoefficientBlock& block) {
     for (std::uint64_t left = refined.grown | refined.added; left != 0; left &= left - 1) {
         const int k = __builtin_ctzll(left);
-        std::int16_t& coefficient = block.coefficients[kNaturalOrder.data()[k]];
+        std::int16_t& coefficient = block.coefficients[scan.naturalOrder[k]];
         // Either has its sign from one of the two: a coefficient that is added was 0.
         const int negative = static_cast<int>(refined.addedNegative >> k & 1) | (coefficient < 0);
-        coefficient = static_cast<std::int16_t>(coefficient + (step ^ -negative) + negative);
+        coefficient = static_cast<std::int16_t>(coefficient + (scan.step ^ -negative) + negative);
     }
     *block.nonZero |= refined.added;
 }
@@ -85,7 +85,7 @@ bool RefineBlock(const AcRefinement& scan, BitCursor& cursor, std::uint32_t& end
     int k = scan.first;
     while (endOfBandRun == 0 && k <= scan.last) {
         in.Refill();
-        const HuffmanTable::Direct direct = scan.table->LookUp(in.Peek(HuffmanTable::kDirectBits));
+        const HuffmanTable::Direct direct = scan.direct[in.Peek(HuffmanTable::kDirectBits)];
         int run = direct.Run();
         int value = direct.Value();
         if (direct.IsCoefficient() && (value == 1 || value == -1)) [[likely]] {
@@ -111,7 +111,7 @@ bool RefineBlock(const AcRefinement& scan, BitCursor& cursor, std::uint32_t& end
         refined.grown |= ReadCorrections<Ops>(in, before & BitsBetween(k, scan.last));
         --endOfBandRun;
     }
-    Apply(refined, scan.step, block);
+    Apply(refined, scan, block);
     cursor = in;
     return true;
 }
